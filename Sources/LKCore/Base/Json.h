@@ -1,0 +1,32 @@
+#pragma once
+
+// JSON in and out. Reading is the library's; writing is ours, because every JSON document of the
+// system has one form: two spaces of indentation, keys sorted by their bytes, " : " after a key,
+// a slash written as "\/", text other than control characters left as UTF-8, `[]` and `{}` for
+// the empty ones.
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "LKCore/Base/Error.h"
+
+namespace lk {
+
+using Json = nlohmann::json;
+
+// Text that is not JSON; the description says what is wrong and at which line and column.
+class JsonError : public Error {
+ public:
+  using Error::Error;
+};
+
+// Throws JsonError for anything that is not one JSON document in UTF-8, or that is nested more
+// than 200 levels deep.
+Json parseJson(std::string_view text);
+
+// The document in the system's form, without a closing line feed. Invalid UTF-8 in a string is
+// written as U+FFFD.
+std::string printJson(const Json& value);
+
+}  // namespace lk

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "LKCore/Base/Error.h"
+
+namespace lk {
+
+// A pattern that does not compile; the description is the compiler's text.
+class PatternError : public Error {
+ public:
+  using Error::Error;
+};
+
+// A byte range of the searched text.
+struct TextRange {
+  size_t start = 0;
+  size_t end = 0;
+
+  size_t length() const { return end - start; }
+  std::string_view of(std::string_view text) const { return text.substr(start, end - start); }
+  bool operator==(const TextRange&) const = default;
+};
+
+// A compiled regular expression (PCRE2 with its JIT) over valid UTF-8, with Unicode properties:
+// `\w`, `\s`, `\b` and case folding mean what Unicode says. Immutable and safe to share between
+// threads. Make each one once (a function-local static), not once a call.
+class Pattern {
+ public:
+  enum class Case { sensitive, insensitive };
+
+  // Throws PatternError.
+  explicit Pattern(std::string_view source, Case letters = Case::sensitive);
+  ~Pattern();
+  Pattern(Pattern&&) noexcept;
+  Pattern& operator=(Pattern&&) noexcept;
+  Pattern(const Pattern&) = delete;
+  Pattern& operator=(const Pattern&) = delete;
+
+  // The groups of one match, group 0 the whole; a group that took no part is empty.
+  using Match = std::vector<std::optional<TextRange>>;
+
+  // The first match at or after byte `from`. `^` and `\b` see the text before `from`. A search
+  // that exceeds the engine's limits counts as no match.
+  std::optional<Match> find(std::string_view text, size_t from = 0) const;
+
+  // Every match, left to right, without overlap; an empty match advances by one scalar.
+  std::vector<Match> findAll(std::string_view text) const;
+
+  bool matches(std::string_view text) const { return find(text).has_value(); }
+
+  // The text with every match replaced by `replacement` as it stands.
+  std::string replacingAll(std::string_view text, std::string_view replacement) const;
+
+  // `text` with every character that has a meaning in patterns escaped.
+  static std::string escaped(std::string_view text);
+
+ private:
+  struct Compiled;
+  std::unique_ptr<Compiled> compiled_;
+};
+
+}  // namespace lk

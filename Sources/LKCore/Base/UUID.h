@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lk {
+
+// A 128-bit identity. Its canonical text has 36 characters in upper case:
+// "6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F".
+class UUID {
+ public:
+  // The nil UUID, all bits zero.
+  UUID() = default;
+
+  // A fresh random UUID (version 4) from the kernel's generator.
+  static UUID random();
+
+  // Reads the 36-character form in any case; anything else gives nothing.
+  static std::optional<UUID> parse(std::string_view text);
+
+  std::string text() const;
+  std::string lowercaseText() const;
+
+  auto operator<=>(const UUID&) const = default;
+
+ private:
+  friend struct std::hash<UUID>;
+
+  std::string formatted(const char* digits) const;
+
+  std::array<uint8_t, 16> bytes_{};
+};
+
+}  // namespace lk
+
+template <>
+struct std::hash<lk::UUID> {
+  size_t operator()(const lk::UUID& uuid) const noexcept;
+};

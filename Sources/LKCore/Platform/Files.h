@@ -1,0 +1,131 @@
+#pragma once
+
+// Files as the system uses them: read whole, changed in memory, replaced whole.
+//
+// Every function that fails throws FileError with the errno and the path, and leaves what was
+// there as it was.
+//
+//     FileLock lock = FileLock::forUpdate(path);         // other writers of this file wait
+//     std::string bytes = readFile(lock.path());
+//     replaceFile(lock.path(), changed(bytes));          // old or new, never a mixture
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "LKCore/Base/Error.h"
+#include "LKCore/Base/Time.h"
+
+namespace lk {
+
+// A system call on a file that failed. The description reads "PATH: CAUSE", the cause being the
+// system's own words for the errno, e.g. "/notes/Plan.md: No space left on device".
+class FileError : public Error {
+ public:
+  FileError(std::filesystem::path path, int code);
+
+  const std::filesystem::path& path() const noexcept { return path_; }
+  int code() const noexcept { return code_; }  // errno
+  std::string cause() const;                   // the system's words for the errno
+
+ private:
+  std::filesystem::path path_;
+  int code_;
+};
+
+// --- Reading -------------------------------------------------------------------------------------
+
+// The whole file. A folder, a FIFO or a device is refused (EISDIR, EINVAL) and never blocks.
+std::string readFile(const std::filesystem::path& path);
+
+// The first `limit` bytes of the file, or all of it when it is shorter.
+std::string readFileStart(const std::filesystem::path& path, size_t limit);
+
+struct FileInfo {
+  Instant modified;
+  std::optional<Instant> created;  // birth time, where the file system keeps one
+  uint64_t size = 0;               // bytes
+  bool isRegular = false;
+  bool isDirectory = false;
+  bool isExecutable = false;  // any execute bit
+
+  bool operator==(const FileInfo&) const = default;
+};
+
+// Follows symbolic links. Nothing when there is nothing at the path; throws for any other failure.
+std::optional<FileInfo> fileInfo(const std::filesystem::path& path);
+
+// True when something, if only a dangling link, has this name.
+bool nameIsTaken(const std::filesystem::path& path);
+
+// --- Writing -------------------------------------------------------------------------------------
+
+// Replaces the file's content, or makes the file. The new content is whole on the disk before the
+// name points to it, and the folder is flushed after; a crash at any moment leaves the old file or
+// the new one and no other trace that outlives the next write. An existing file keeps its mode,
+// its owner where that is allowed and its `user.` attributes. A symbolic link stays and its target
+// is replaced. Refuses to replace a file that this user may not write (EACCES).
+void replaceFile(const std::filesystem::path& path, std::string_view bytes);
+
+// Makes a file that was not there, as carefully. False, with nothing changed, when the name is
+// taken, also when another process takes it at the same moment.
+[[nodiscard]] bool createFile(const std::filesystem::path& path, std::string_view bytes);
+
+// Renames within or across folders. False, with nothing changed, when the target's name is taken.
+// Falls back on copy and delete across file systems.
+[[nodiscard]] bool moveFile(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Removes the file; one that is not there is an error (ENOENT).
+void removeFile(const std::filesystem::path& path);
+
+// Makes the folder and the missing ones above it; one that is there is fine.
+void createFolders(const std::filesystem::path& path);
+
+void setModified(const std::filesystem::path& path, Instant modified);
+
+using FileAttributes = std::map<std::string, std::string>;
+
+// The `user.` attributes; empty when there are none or they cannot be read. Never fails.
+FileAttributes readAttributes(const std::filesystem::path& path);
+// Sets those attributes, leaving others; what the file system refuses is passed over.
+void writeAttributes(const std::filesystem::path& path, const FileAttributes& attributes);
+
+// --- Locking -------------------------------------------------------------------------------------
+
+// The advisory lock that every writer of the library takes around read-change-write. It sits on
+// the file itself (flock), so no lock file appears anywhere, and the kernel releases it when the
+// process dies. Holding it means that the path still names the locked file. Waits for its turn.
+// A file system without locks gives a lock that excludes nobody.
+class FileLock {
+ public:
+  // Throws FileError when the file cannot be opened for reading.
+  static FileLock forUpdate(const std::filesystem::path& path);
+
+  ~FileLock();
+  FileLock(FileLock&&) noexcept;
+  FileLock& operator=(FileLock&&) noexcept;
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+  // The locked file with symbolic links resolved.
+  const std::filesystem::path& path() const noexcept { return path_; }
+
+ private:
+  FileLock(std::filesystem::path path, int descriptor);
+
+  std::filesystem::path path_;
+  int descriptor_ = -1;
+};
+
+// --- Addresses -----------------------------------------------------------------------------------
+
+// "file:///home/ann/My%20notes/Plan.md", absolute, percent-encoded; a folder ends in "/".
+std::string fileURL(const std::filesystem::path& path, bool isDirectory = false);
+
+// The path with symbolic links resolved as far as it exists, absolute and without "." and "..".
+std::filesystem::path resolved(const std::filesystem::path& path);
+
+}  // namespace lk

@@ -1,0 +1,27 @@
+# The libraries that Larkspire stands on. README.md says what each one is for.
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
+find_path(SPDLOG_INCLUDE_DIR spdlog/spdlog.h REQUIRED)
+
+# One imported target a library: the archive when LK_STATIC asks for it, else the shared object.
+function(lk_library name)
+  cmake_parse_arguments(ARG "" "HEADER" "FILES" ${ARGN})
+  find_path(${name}_INCLUDE_DIR ${ARG_HEADER} REQUIRED)
+  add_library(lk_${name} INTERFACE)
+  target_include_directories(lk_${name} SYSTEM INTERFACE ${${name}_INCLUDE_DIR})
+  foreach(file IN LISTS ARG_FILES)
+    if(LK_STATIC)
+      find_library(${name}_${file}_LIBRARY NAMES lib${file}.a ${file} REQUIRED)
+    else()
+      find_library(${name}_${file}_LIBRARY NAMES ${file} REQUIRED)
+    endif()
+    target_link_libraries(lk_${name} INTERFACE ${${name}_${file}_LIBRARY})
+  endforeach()
+endfunction()
+
+lk_library(icu HEADER unicode/uchar.h FILES icui18n icuuc icudata)
+lk_library(pcre2 HEADER pcre2.h FILES pcre2-8)
+lk_library(crypto HEADER openssl/evp.h FILES crypto)

@@ -1,0 +1,16 @@
+# Language, warnings and sanitizers, the same for every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_VERIFY_INTERFACE_HEADER_SETS ON)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(LK_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(LK_SANITIZE)
+  add_compile_options(-fsanitize=${LK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${LK_SANITIZE})
+endif()
