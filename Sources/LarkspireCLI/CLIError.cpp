@@ -35,6 +35,12 @@ CLIError CLIError::collectionNotFound() {
           "path with --collection /path/to/collection"};
 }
 
+CLIError CLIError::withHint(const std::string& hint) const {
+  CLIError result = *this;
+  result.hint_ = hint;
+  return result;
+}
+
 const char* CLIError::code() const noexcept {
   switch (case_) {
     case Case::noteNotFound:

@@ -37,10 +37,16 @@ class CLIError : public Error {
   // 1 to 7.
   int exitStatus() const noexcept;
 
+  // The same failure with a word of advice, which a person sees after the message; a script, with
+  // --json or --quiet, does not.
+  CLIError withHint(const std::string& hint) const;
+  const std::string& hint() const noexcept { return hint_; }
+
  private:
   CLIError(Case which, std::string message) : Error(std::move(message)), case_(which) {}
 
   Case case_;
+  std::string hint_;
 };
 
 }  // namespace lk

@@ -295,6 +295,24 @@ std::string replacingAll(std::string_view text, std::string_view from, std::stri
   return result.append(text.substr(start));
 }
 
+std::string escapedInvalid(std::string_view bytes) {
+  static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string result;
+  for (size_t i = 0; i < bytes.size();) {
+    const Decoded d = decodeStrictly(bytes, i);
+    if (d.length > 0) {
+      result.append(bytes.substr(i, d.length));
+      i += d.length;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(bytes[i++]);
+    result.append("\\x");
+    result.push_back(kDigits[byte >> 4U]);
+    result.push_back(kDigits[byte & 0x0FU]);
+  }
+  return result;
+}
+
 std::string lowercased(std::string_view text) {
   if (isASCII(text)) return asciiMapped(text, 'A', 'Z', 'a' - 'A');
   return toUTF8(toUnicodeString(text).toLower(icu::Locale::getRoot()));

@@ -68,6 +68,9 @@ bool parseInteger(std::string_view text, int& value);
 
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to);
 
+// The bytes with every one that is not part of valid UTF-8 written as "\\xE9": for messages.
+std::string escapedInvalid(std::string_view bytes);
+
 // --- Case, equality and order ------------------------------------------------------------------
 
 std::string lowercased(std::string_view text);  // full Unicode mapping, no locale
