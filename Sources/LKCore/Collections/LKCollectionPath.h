@@ -1,9 +1,10 @@
 #pragma once
 
+// Where the folders of the collection in use lie.
+
 #include <filesystem>
 #include <optional>
 
-// Where the folders of the collection in use lie.
 namespace lk::LKCollectionPath {
 
 // Set once by the command line for the run; it wins over the registry.
@@ -16,5 +17,8 @@ std::filesystem::path activeDocumentsDirectory();
 
 // `.attachments` in the active documents directory.
 std::filesystem::path activeAttachmentsDirectory();
+
+// The folder of the default collection, registered or about to be.
+std::filesystem::path defaultCollectionDocumentsDirectory();
 
 }  // namespace lk::LKCollectionPath
