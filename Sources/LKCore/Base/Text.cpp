@@ -80,6 +80,16 @@ std::string_view trimEnd(std::string_view text, Test test) {
   return text.substr(0, end);
 }
 
+template <typename Integer>
+bool parseWhole(std::string_view text, Integer& value) {
+  if (text.starts_with('+') && text.size() > 1 && text[1] != '-') text.remove_prefix(1);
+  Integer parsed = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
+  if (error != std::errc() || end != text.data() + text.size()) return false;
+  value = parsed;
+  return true;
+}
+
 bool isSpaceOrTab(char32_t scalar) {
   return scalar == ' ' || scalar == '\t';
 }
@@ -277,12 +287,11 @@ std::vector<std::string_view> splitLines(std::string_view text) {
 }
 
 bool parseInteger(std::string_view text, int& value) {
-  if (text.starts_with('+') && text.size() > 1 && text[1] != '-') text.remove_prefix(1);
-  int parsed = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
-  if (error != std::errc() || end != text.data() + text.size()) return false;
-  value = parsed;
-  return true;
+  return parseWhole(text, value);
+}
+
+bool parseInteger(std::string_view text, int64_t& value) {
+  return parseWhole(text, value);
 }
 
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to) {

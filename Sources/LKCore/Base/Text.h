@@ -6,6 +6,7 @@
 // valid UTF-8; on anything else it stays in bounds and treats a bad byte as U+FFFD.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,6 +66,7 @@ std::vector<std::string_view> splitLines(std::string_view text);
 
 // A whole decimal integer with an optional sign; nothing else. False leaves `value` alone.
 bool parseInteger(std::string_view text, int& value);
+bool parseInteger(std::string_view text, int64_t& value);
 
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to);
 

@@ -3,7 +3,8 @@
 // Files as the system uses them: read whole, changed in memory, replaced whole.
 //
 // Every function that fails throws FileError with the errno and the path, and leaves what was
-// there as it was.
+// there as it was. One exception: when the disk reports an error only while the folder is flushed
+// (EIO), the change is in place, but may not outlive a power cut.
 //
 //     FileLock lock = FileLock::forUpdate(path);         // other writers of this file wait
 //     std::string bytes = readFile(lock.path());
@@ -36,6 +37,9 @@ class FileError : public Error {
   int code_;
 };
 
+// True for the codes of a missing permission (EPERM, EACCES).
+bool isPermissionError(int code) noexcept;
+
 // --- Reading -------------------------------------------------------------------------------------
 
 // The whole file. A folder, a FIFO or a device is refused (EISDIR, EINVAL) and never blocks.
@@ -67,15 +71,22 @@ bool nameIsTaken(const std::filesystem::path& path);
 // name points to it, and the folder is flushed after; a crash at any moment leaves the old file or
 // the new one and no other trace that outlives the next write. An existing file keeps its mode,
 // its owner where that is allowed and its `user.` attributes. A symbolic link stays and its target
-// is replaced. Refuses to replace a file that this user may not write (EACCES).
+// is replaced. Refuses to replace a file that this user may not write (EACCES), and what is no
+// regular file (EISDIR, EINVAL).
+//
+// While it writes, at most one hidden file ".lk-<16 hex digits>.tmp" stands beside the target. Its
+// name comes from the target's, so that the next write takes over what a killed writer left. Only
+// a file system with neither anonymous files nor locks needs a fresh name each time, and may keep
+// such a file when a writer is killed there.
 void replaceFile(const std::filesystem::path& path, std::string_view bytes);
 
 // Makes a file that was not there, as carefully. False, with nothing changed, when the name is
 // taken, also when another process takes it at the same moment.
 [[nodiscard]] bool createFile(const std::filesystem::path& path, std::string_view bytes);
 
-// Renames within or across folders. False, with nothing changed, when the target's name is taken.
-// Falls back on copy and delete across file systems.
+// Renames within or across folders. False, with nothing changed, when the target's name is taken by
+// another file; a change of case alone is no such clash. Across file systems a regular file is
+// copied with its mode, attributes and date, and then removed.
 [[nodiscard]] bool moveFile(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // Removes the file; one that is not there is an error (ENOENT).
@@ -114,7 +125,7 @@ class FileLock {
   const std::filesystem::path& path() const noexcept { return path_; }
 
  private:
-  FileLock(std::filesystem::path path, int descriptor);
+  FileLock(std::filesystem::path path, int descriptor) noexcept;
 
   std::filesystem::path path_;
   int descriptor_ = -1;
