@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "LKCore/Base/Error.h"
+#include "LKCore/Base/TextRange.h"
 
 namespace lk {
 
@@ -15,16 +16,6 @@ namespace lk {
 class PatternError : public Error {
  public:
   using Error::Error;
-};
-
-// A byte range of the searched text.
-struct TextRange {
-  size_t start = 0;
-  size_t end = 0;
-
-  size_t length() const { return end - start; }
-  std::string_view of(std::string_view text) const { return text.substr(start, end - start); }
-  bool operator==(const TextRange&) const = default;
 };
 
 // A compiled regular expression (PCRE2 with its JIT) over valid UTF-8, with Unicode properties:

@@ -9,7 +9,42 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/Collections/LKCollectionPath.h"
 
-namespace lk::LKProjectTerms {
+namespace lk {
+
+namespace {
+
+bool holdsWhitespace(std::string_view word) {
+  for (size_t i = 0; i < word.size();) {
+    const text::Decoded d = text::decode(word, i);
+    if (text::isWhitespaceOrNewline(d.scalar)) return true;
+    i += d.length;
+  }
+  return false;
+}
+
+template <typename Value>
+void appendDistinct(std::vector<Value>& list, const Value& value) {
+  if (std::ranges::find(list, value) == list.end()) list.push_back(value);
+}
+
+}  // namespace
+
+void LKProjectTermsSnapshot::setKeywordTables() {
+  keywordScalars.clear();
+  keywordFirstScalars.clear();
+  keywordBreakPairs.clear();
+  for (const std::string& keyword : metadataKeywords) {
+    if (keyword.empty() || holdsWhitespace(keyword)) continue;
+    const std::string withColon = keyword + ":";
+    const text::Decoded first = text::decode(withColon, 0);
+    const text::Decoded second = text::decode(withColon, first.length);
+    keywordScalars.push_back({keyword, withColon});
+    appendDistinct(keywordFirstScalars, first.scalar);
+    appendDistinct(keywordBreakPairs, {first.scalar, second.scalar});
+  }
+}
+
+namespace LKProjectTerms {
 
 namespace {
 
@@ -56,6 +91,7 @@ LKProjectTermsSnapshot load() {
     read.previousPlurals = words(file, "previousPlurals");
     read.metadataKeywords = distinct(read.singular, read.previousSingulars, "project");
     read.tagPrefixes = distinct(read.plural, read.previousPlurals, "projects");
+    read.setKeywordTables();
     return read;
   } catch (const std::exception&) {
     return terms;
@@ -75,4 +111,6 @@ void invalidateCache() {
   cached.reset();
 }
 
-}  // namespace lk::LKProjectTerms
+}  // namespace LKProjectTerms
+
+}  // namespace lk

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lk {
@@ -18,6 +19,22 @@ struct LKProjectTermsSnapshot {
   std::vector<std::string> metadataKeywords = {"project"};
   // The plural, the previous plurals and "projects", likewise.
   std::vector<std::string> tagPrefixes = {"projects"};
+
+  // What lets the inline lexer know a keyword by comparing characters alone, made from
+  // `metadataKeywords` by `setKeywordTables`. A word that holds whitespace can open nothing, as
+  // no word does on a line, and has no entry.
+  struct KeywordScalars {
+    std::string keyword;
+    std::string withColon;  // UTF-8, so that equal bytes are equal scalars
+
+    bool operator==(const KeywordScalars&) const = default;
+  };
+  std::vector<KeywordScalars> keywordScalars = {{"project", "project:"}};
+  std::vector<char32_t> keywordFirstScalars = {U'p'};                             // distinct
+  std::vector<std::pair<char32_t, char32_t>> keywordBreakPairs = {{U'p', U'r'}};  // distinct
+
+  // Makes the three tables anew, after `metadataKeywords` was set.
+  void setKeywordTables();
 };
 
 namespace LKProjectTerms {
