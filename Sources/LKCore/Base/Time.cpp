@@ -87,7 +87,7 @@ std::optional<int64_t> takeZone(std::string_view& text) {
   if (!takeNumber(text, 2, hours)) return std::nullopt;
   take(text, ':');
   if (!takeNumber(text, 2, minutes) || hours > 23 || minutes > 59) return std::nullopt;
-  const int64_t offset = hours * 3600 + minutes * 60;
+  const int64_t offset = int64_t{hours} * 3600 + int64_t{minutes} * 60;
   return isWest ? -offset : offset;
 }
 
@@ -159,8 +159,8 @@ std::optional<Instant> parseISO8601(std::string_view text) {
   if (!offset || !text.empty() || !day || hour > 23 || minute > 59 || second > 60) {
     return std::nullopt;
   }
-  const int64_t seconds =
-      daysSinceEpoch(*day) * kSecondsPerDay + hour * 3600 + minute * 60 + second - *offset;
+  const int64_t secondOfDay = int64_t{hour} * 3600 + int64_t{minute} * 60 + second;
+  const int64_t seconds = daysSinceEpoch(*day) * kSecondsPerDay + secondOfDay - *offset;
   return Instant{seconds, nanoseconds};
 }
 

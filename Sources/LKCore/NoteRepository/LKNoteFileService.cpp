@@ -1,0 +1,194 @@
+#include "LKCore/NoteRepository/LKNoteFileService.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "LKCore/Base/Text.h"
+#include "LKCore/Collections/LKCollectionStore.h"
+#include "LKCore/NoteFiles/LKFileWrite.h"
+#include "LKCore/NoteFiles/LKNoteFilename.h"
+#include "LKCore/NoteFiles/LKSyncError.h"
+#include "LKCore/NoteFiles/LKTaskEntries.h"
+#include "LKCore/NoteRepository/LKNoteFileError.h"
+#include "LKCore/Platform/Files.h"
+
+namespace lk::LKNoteFileService {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void assertWritable(const fs::path& url) {
+  const auto record = LKCollectionStore::shared().collectionContaining(url);
+  if (record && record->mode == LKCollectionMode::readOnly) throw LKNoteFileError::readOnly();
+}
+
+void assertEncodable(const std::string& text) {
+  if (!text::isValidUTF8(text)) throw LKNoteFileError::encoding();
+}
+
+LKParsedDocument readDocument(const fs::path& file, const fs::path& url) {
+  const std::string bytes = readFile(file);
+  if (!text::isValidUTF8(bytes)) throw LKSyncError::invalidFrontMatter(url);
+  try {
+    return parseDocument(bytes);
+  } catch (const LKSyncError&) {
+    throw LKSyncError::invalidFrontMatter(url);  // now with the file's true name
+  }
+}
+
+void applyProperties(std::map<std::string, std::string>& properties,
+                     const std::map<std::string, std::optional<std::string>>& updates) {
+  for (const auto& [key, value] : updates) {
+    if (value) {
+      properties[key] = *value;
+    } else {
+      properties.erase(key);
+    }
+  }
+}
+
+LKFileFrontMatter frontMatterFor(const NewNote& note, const std::string& baseName, UUID id,
+                                 const std::string& body) {
+  LKFileFrontMatter frontMatter;
+  frontMatter.id = id;
+  frontMatter.created = Instant::now();
+  if (!LKNoteFilename::isUntitledIgnoringCopySuffix(baseName)) frontMatter.title = baseName;
+  frontMatter.dailyDate = note.dailyDate;
+  frontMatter.taskEntries = deriveTaskEntries(body, {});
+  frontMatter.userProperties = note.userProperties;
+  frontMatter.nameLocked = note.nameLocked;
+  frontMatter.isFavourite = note.isFavourite;
+  return frontMatter;
+}
+
+}  // namespace
+
+void bringBack(LKFileFrontMatter& frontMatter) {
+  frontMatter.isArchived = false;
+  const auto status = frontMatter.userProperties.find("status");
+  if (status != frontMatter.userProperties.end() &&
+      text::lowercased(status->second) == "archived") {
+    frontMatter.userProperties.erase(status);
+  }
+}
+
+fs::path createNote(const NewNote& note, const fs::path& collectionRoot) {
+  assertWritable(collectionRoot);
+  const UUID id = note.noteID.value_or(UUID::random());
+  const fs::path folder = note.dailyDate ? collectionRoot / ".daily" : collectionRoot;
+  createFolders(folder);
+  const std::string body = normaliseIndentation(note.body);
+  const bool hasFixedName = note.dailyDate || note.untitled;
+  const std::string title = note.dailyDate  ? LKDateOnly::dayKey(*note.dailyDate)
+                            : note.untitled ? id.text()
+                                            : sanitiseFilename(note.title);
+  while (true) {
+    const std::string name = hasFixedName ? title + ".md" : uniqueFilename(title, folder);
+    const std::string baseName = name.substr(0, name.size() - 3);
+    const std::string file = serialize(frontMatterFor(note, baseName, id, body), body);
+    assertEncodable(file);
+    const fs::path url = folder / name;
+    if (LKFileWrite::createAtomically(file, url)) return url;
+    // Somebody took the name in between: a numbered name can move on, a fixed one cannot.
+    if (hasFixedName) throw FileError(url, EEXIST);
+  }
+}
+
+void updateNote(const fs::path& url, const NoteChange& change) {
+  assertWritable(url);
+  const FileLock lock = FileLock::forUpdate(url);
+  LKParsedDocument document = readDocument(lock.path(), url);
+  LKFileFrontMatter& frontMatter = document.frontMatter;
+  std::string body = normaliseIndentation(document.body);
+  if (change.bodyTransform) body = change.bodyTransform(std::move(body));
+  applyProperties(frontMatter.userProperties, change.propertyUpdates);
+  if (change.isFavourite) frontMatter.isFavourite = *change.isFavourite;
+  if (change.blockTransform) change.blockTransform(frontMatter);
+  frontMatter.taskEntries = deriveTaskEntries(body, frontMatter.taskEntries);
+  frontMatter.title = LKNoteFilename::displayName(url);
+  const std::string file = serialize(frontMatter, body);
+  assertEncodable(file);
+  LKFileWrite::atomically(file, lock.path());
+}
+
+void setFrontMatter(const fs::path& url, ModificationTime time,
+                    const std::function<void(LKFileFrontMatter&)>& transform) {
+  assertWritable(url);
+  const FileLock lock = FileLock::forUpdate(url);
+  LKParsedDocument document = readDocument(lock.path(), url);
+  transform(document.frontMatter);
+  const std::string file = serialize(document.frontMatter, document.body);
+  assertEncodable(file);
+  const auto modified = lkContentModificationDate(lock.path());
+  LKFileWrite::atomically(file, lock.path());
+  if (time == ModificationTime::preserved && modified) {
+    lkSetContentModificationDate(lock.path(), *modified);
+  }
+}
+
+void setTagRank(const fs::path& url, const std::string& tagPath,
+                const std::optional<std::string>& rank, ModificationTime time) {
+  setFrontMatter(url, time, [&](LKFileFrontMatter& frontMatter) {
+    if (rank) {
+      frontMatter.tagRanks[tagPath] = *rank;
+    } else {
+      frontMatter.tagRanks.erase(tagPath);
+    }
+  });
+}
+
+void lockName(const fs::path& url) {
+  setFrontMatter(url, ModificationTime::changes,
+                 [](LKFileFrontMatter& frontMatter) { frontMatter.nameLocked = true; });
+}
+
+void moveNote(const fs::path& from, const fs::path& to) {
+  assertWritable(from);
+  assertWritable(to);
+  // The lock waits for a change of the note that is under way; the name itself moves, so that a
+  // note that is a symbolic link moves as a link.
+  const FileLock lock = FileLock::forUpdate(from);
+  if (!moveFile(from, to)) throw FileError(to, EEXIST);
+}
+
+void deleteNotePermanently(const fs::path& url) {
+  assertWritable(url);
+  removeFile(url);
+}
+
+std::string sanitiseFilename(std::string_view text) {
+  return std::string(text::trimmedSpacesTabs(LKNoteFilename::stripIllegalCharacters(text)));
+}
+
+std::string uniqueFilename(const std::string& base, const fs::path& folder) {
+  std::string name = base + ".md";
+  for (int number = 2; nameIsTaken(folder / name); ++number) {
+    name = base + " " + std::to_string(number) + ".md";
+  }
+  return name;
+}
+
+std::string normaliseIndentation(std::string_view text) {
+  constexpr size_t kSpacesPerTab = 4;
+  std::string result;
+  result.reserve(text.size());
+  bool atLineStart = true;
+  for (size_t i = 0; i < text.size();) {
+    if (atLineStart) {
+      const size_t first = std::min(text.find_first_not_of(' ', i), text.size());
+      const size_t spaces = first - i;
+      result.append(spaces / kSpacesPerTab, '\t').append(spaces % kSpacesPerTab, ' ');
+      i = first;
+      atLineStart = false;
+      continue;
+    }
+    const char c = text[i++];
+    if (c == '\r' && i < text.size() && text[i] == '\n') ++i;
+    atLineStart = c == '\n' || c == '\r';
+    result.push_back(atLineStart ? '\n' : c);
+  }
+  return result;
+}
+
+}  // namespace lk::LKNoteFileService

@@ -1,0 +1,94 @@
+#pragma once
+
+// The write side of note files for everyone but the editor: commands, importers, daily notes.
+// A request becomes one whole new file; the block stays true to the body.
+//
+//     NewNote note;
+//     note.title = "Garden plan";
+//     note.body = "- [ ] Order seeds";
+//     std::filesystem::path file = LKNoteFileService::createNote(note, collection);
+//
+// Every operation throws and then has changed nothing: LKNoteFileError when the collection is
+// read-only or the text is not UTF-8, LKSyncError when a file's block cannot be read, FileError
+// when the system refuses. Every change of a file that is there happens under its lock, so that
+// two processes never lose each other's change. Calls block and may come from any thread.
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "LKCore/Base/Time.h"
+#include "LKCore/Base/UUID.h"
+#include "LKCore/NoteFiles/LKFileFrontMatter.h"
+
+namespace lk {
+
+struct NewNote {
+  std::string title;
+  std::string body;
+  std::optional<Day> dailyDate;  // makes a daily note, named after its day
+  std::map<std::string, std::string> userProperties;
+  bool untitled = false;  // names the file by the note's id
+  std::optional<UUID> noteID;
+  bool nameLocked = false;
+  bool isFavourite = false;
+};
+
+struct NoteChange {
+  // The new body made from the old one, whose indentation is normalised already.
+  std::function<std::string(std::string body)> bodyTransform;
+  // Nothing as a value removes the property.
+  std::map<std::string, std::optional<std::string>> propertyUpdates;
+  std::optional<bool> isFavourite;
+  // What the fields above do not reach, applied after them.
+  std::function<void(LKFileFrontMatter&)> blockTransform;
+};
+
+namespace LKNoteFileService {
+
+// A `blockTransform` that ends a note's archive state: the flag goes, and the property "status"
+// where it says "archived".
+void bringBack(LKFileFrontMatter& frontMatter);
+
+// Makes the file, in the root of the collection or for a daily note in its `.daily` folder, and
+// gives its path. A title whose file is there gets a number ("Notes 2.md"), also in a race; a
+// daily note whose file is there is an error (EEXIST).
+std::filesystem::path createNote(const NewNote& note, const std::filesystem::path& collectionRoot);
+
+void updateNote(const std::filesystem::path& url, const NoteChange& change);
+
+enum class ModificationTime { changes, preserved };
+
+// Changes the block alone; the body stays as the file has it, byte for byte.
+void setFrontMatter(const std::filesystem::path& url, ModificationTime time,
+                    const std::function<void(LKFileFrontMatter&)>& transform);
+
+// Sets the note's manual rank under a tag, or removes it.
+void setTagRank(const std::filesystem::path& url, const std::string& tagPath,
+                const std::optional<std::string>& rank, ModificationTime time);
+
+// Fixes the file's name, so that nothing renames it after its first line.
+void lockName(const std::filesystem::path& url);
+
+// Renames within or across folders; the target's folder must exist. A taken target is an error
+// (EEXIST).
+void moveNote(const std::filesystem::path& from, const std::filesystem::path& to);
+
+void deleteNotePermanently(const std::filesystem::path& url);
+
+// The text without the characters that no file name may hold, trimmed of spaces and tabs.
+std::string sanitiseFilename(std::string_view text);
+
+// "BASE.md", or the first free of "BASE 2.md", "BASE 3.md" and so on.
+std::string uniqueFilename(const std::string& base, const std::filesystem::path& folder);
+
+// Line ends become LF; four or more leading spaces become a tab for each four, and the rest of
+// them stays.
+std::string normaliseIndentation(std::string_view text);
+
+}  // namespace LKNoteFileService
+
+}  // namespace lk
