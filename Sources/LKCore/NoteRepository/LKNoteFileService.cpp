@@ -5,6 +5,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/Collections/LKCollectionStore.h"
+#include "LKCore/NoteFiles/LKFileDates.h"
 #include "LKCore/NoteFiles/LKFileWrite.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/NoteFiles/LKSyncError.h"
