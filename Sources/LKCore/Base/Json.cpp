@@ -113,6 +113,16 @@ void print(std::string& out, const Json& value, size_t level) {
   }
 }
 
+// The value of the key, null for a missing one.
+const Json* member(const Json& object, const char* key) {
+  const auto found = object.find(key);
+  return found == object.end() || found->is_null() ? nullptr : &*found;
+}
+
+JsonError wrongType(const char* key, const char* wanted) {
+  return JsonError(std::string("\"") + key + "\" is not " + wanted + ".");
+}
+
 }  // namespace
 
 Json parseJson(std::string_view text) {
@@ -124,7 +134,7 @@ Json parseJson(std::string_view text) {
   };
   try {
     return Json::parse(text, limitDepth);
-  } catch (const Json::parse_error& error) {
+  } catch (const Json::exception& error) {  // parse_error, and out_of_range for a number like 1e999
     const std::string_view what = error.what();
     const size_t colon = what.find("] ");
     throw JsonError("Not valid JSON: " +
@@ -136,6 +146,27 @@ std::string printJson(const Json& value) {
   std::string out;
   print(out, value, 0);
   return out;
+}
+
+std::optional<std::string> stringMember(const Json& object, const char* key) {
+  const Json* value = member(object, key);
+  if (value == nullptr) return std::nullopt;
+  if (!value->is_string()) throw wrongType(key, "a string");
+  return value->get<std::string>();
+}
+
+std::optional<bool> boolMember(const Json& object, const char* key) {
+  const Json* value = member(object, key);
+  if (value == nullptr) return std::nullopt;
+  if (!value->is_boolean()) throw wrongType(key, "true or false");
+  return value->get<bool>();
+}
+
+std::optional<int64_t> integerMember(const Json& object, const char* key) {
+  const Json* value = member(object, key);
+  if (value == nullptr) return std::nullopt;
+  if (!value->is_number_integer()) throw wrongType(key, "an integer");
+  return value->get<int64_t>();
 }
 
 }  // namespace lk

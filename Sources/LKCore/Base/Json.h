@@ -5,7 +5,9 @@
 // a slash written as "\/", text other than control characters left as UTF-8, `[]` and `{}` for
 // the empty ones.
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,5 +30,11 @@ Json parseJson(std::string_view text);
 // The document in the system's form, without a closing line feed. Invalid UTF-8 in a string is
 // written as U+FFFD.
 std::string printJson(const Json& value);
+
+// Members of an object. A missing key and null give nothing; a value of another type throws
+// JsonError, which names the key.
+std::optional<std::string> stringMember(const Json& object, const char* key);
+std::optional<bool> boolMember(const Json& object, const char* key);
+std::optional<int64_t> integerMember(const Json& object, const char* key);
 
 }  // namespace lk

@@ -7,6 +7,10 @@
 
 namespace lk::LKCollectionPath {
 
+// The cloud folder under a home folder; there only where a sync program put it.
+inline constexpr const char* kCloudDocumentsInHome =
+    "Library/Mobile Documents/iCloud~com~larkspire/Documents";
+
 // Set once by the command line for the run; it wins over the registry.
 void setOverrideDocumentsDirectory(std::optional<std::filesystem::path> folder);
 std::optional<std::filesystem::path> overrideDocumentsDirectory();

@@ -123,7 +123,7 @@ class LKCollectionStore {
 
   std::filesystem::path registryFile() const;
   void load();
-  void adopt(CollectionRegistry registry);
+  void adopt(CollectionRegistry registry, std::vector<std::string>* problems = nullptr);
   void change(const Change& apply);
   CollectionRegistry changeFile(const Change& apply);
   void keepAside(const std::string& bytes);

@@ -32,6 +32,9 @@ std::filesystem::path resolvedCollection(const std::optional<std::string>& refer
 // The folder alone, there or not, without setting anything. Throws CLIError and FileError.
 std::filesystem::path resolveCollectionURL(const std::optional<std::string>& reference, bool quiet);
 
+// Says on standard error, unless `quiet`, what was wrong with the registry file.
+void tellRegistryWarnings(bool quiet);
+
 // The index that may be read for the folder. One that was named explicitly never reads another
 // folder's index.
 CachePolicy cachePolicy(const std::filesystem::path& forDocumentsURL, bool isExplicit);
@@ -42,8 +45,5 @@ LKCollectionMode collectionMode(const std::filesystem::path& forFolder);
 
 // The words for a lookup that the application's data had to answer and was not allowed to.
 std::string registryRefusedMessage(std::string_view subject);
-
-// The tool's and the application's place for it, whichever exists; nothing when neither does.
-std::optional<std::filesystem::path> cacheStoreOfCollection(const UUID& id);
 
 }  // namespace lk
