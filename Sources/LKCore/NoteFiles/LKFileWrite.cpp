@@ -1,0 +1,24 @@
+#include "LKCore/NoteFiles/LKFileWrite.h"
+
+#include "LKCore/NoteFiles/LKOwnFileContent.h"
+#include "LKCore/Platform/Files.h"
+
+namespace lk::LKFileWrite {
+
+void atomically(std::string_view data, const std::filesystem::path& url) {
+  LKOwnFileContent::record(data, url);
+  replaceFile(url, data);
+}
+
+bool createAtomically(std::string_view data, const std::filesystem::path& url) {
+  LKOwnFileContent::record(data, url);
+  return createFile(url, data);
+}
+
+void preservingAttributes(const std::filesystem::path& url, const std::function<void()>& body) {
+  const FileAttributes attributes = readAttributes(url);
+  body();
+  writeAttributes(url, attributes);
+}
+
+}  // namespace lk::LKFileWrite
