@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "LarkspireCLI/Support/Command.h"
+
+namespace lk {
+
+// `lk bind`
+class BindCommand final : public Command {
+ public:
+  void declare(ArgumentList& arguments) override;
+  void run() override;
+
+  std::optional<std::string> tag;
+  std::optional<std::string> book;
+  std::optional<std::string> output;
+  std::optional<std::string> format;
+  std::string author;
+  std::optional<std::string> specFile;
+  std::string style = "standard";
+  std::string page = "letter";
+  std::string margin = "standard";
+  std::string orientation = "portrait";
+  std::string chapterHeading = "numbers-and-titles";
+  std::string paragraphStyle = "larkspire";
+  std::string headerFooter = "published-book";
+  std::string footnotes = "per-page";
+  std::string paragraphs = "inherit";
+  std::optional<std::string> theme;
+  std::optional<std::string> tasks;
+};
+
+}  // namespace lk

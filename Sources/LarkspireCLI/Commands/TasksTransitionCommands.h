@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "LarkspireCLI/Support/Command.h"
+
+namespace lk {
+
+// What the commands take that act on one task of a note.
+struct TaskChoice {
+  std::optional<std::string> text;
+  std::optional<std::string> note;
+  std::optional<std::string> id;
+
+  void declare(ArgumentList& arguments);
+};
+
+// `lk tasks complete`
+class TasksCompleteCommand final : public Command {
+ public:
+  void declare(ArgumentList& arguments) override { task.declare(arguments); }
+  void run() override;
+
+  TaskChoice task;
+};
+
+// `lk tasks cancel`
+class TasksCancelCommand final : public Command {
+ public:
+  void declare(ArgumentList& arguments) override { task.declare(arguments); }
+  void run() override;
+
+  TaskChoice task;
+};
+
+// `lk tasks progress`
+class TasksProgressCommand final : public Command {
+ public:
+  void declare(ArgumentList& arguments) override { task.declare(arguments); }
+  void run() override;
+
+  TaskChoice task;
+};
+
+// `lk tasks reset`
+class TasksResetCommand final : public Command {
+ public:
+  void declare(ArgumentList& arguments) override { task.declare(arguments); }
+  void run() override;
+
+  TaskChoice task;
+};
+
+// `lk tasks remove`
+class TasksRemoveCommand final : public Command {
+ public:
+  void declare(ArgumentList& arguments) override { task.declare(arguments); }
+  void run() override;
+
+  TaskChoice task;
+};
+
+}  // namespace lk

@@ -1,0 +1,50 @@
+#include "LarkspireCLI/Support/Output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <string>
+
+#include "LarkspireCLI/Support/GlobalOptions.h"
+
+namespace lk {
+
+namespace {
+
+// The errno of the first failed write to standard output: stdio keeps only that there was one.
+int firstFailure = 0;
+
+void noteFailure(bool failed) {
+  if (failed && firstFailure == 0) firstFailure = errno != 0 ? errno : EIO;
+}
+
+void put(std::FILE* stream, std::string_view text) {
+  const bool failed = std::fwrite(text.data(), 1, text.size(), stream) != text.size();
+  if (stream == stdout) noteFailure(failed);
+}
+
+}  // namespace
+
+void printLine(std::string_view text) {
+  put(stdout, text);
+  put(stdout, "\n");
+}
+
+void printText(std::string_view text) {
+  put(stdout, text);
+}
+
+void printError(std::string_view text) {
+  noteFailure(std::fflush(stdout) != 0);
+  put(stderr, std::string(text) + "\n");
+}
+
+void printNote(const GlobalOptions& options, std::string_view text) {
+  if (!options.quiet) printError(text);
+}
+
+int finishOutput() {
+  noteFailure(std::fflush(stdout) != 0);
+  return firstFailure;
+}
+
+}  // namespace lk
