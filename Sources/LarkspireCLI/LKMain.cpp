@@ -45,11 +45,17 @@ int attempt(const std::vector<std::string>& arguments) {
     printError(error.description());
     return usageStatus;
   } catch (const CLIError& error) {
-    // Not the parsed flag: whatever failed, and wherever the word stands, a script that wrote it
-    // reads JSON.
-    const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
-    printError(json ? ErrorOut{error.code(), error.message()}.encoded()
-                    : "Error: " + error.message());
+    // Not the parsed flags: whatever failed, and wherever the word stands, a script that wrote it
+    // is understood.
+    const auto given = [&](const char* word) {
+      return std::find(arguments.begin(), arguments.end(), word) != arguments.end();
+    };
+    if (given("--json")) {
+      printError(ErrorOut{error.code(), error.message()}.encoded());
+    } else {
+      printError("Error: " + error.message());
+      if (!error.hint().empty() && !given("--quiet")) printError("  Hint: " + error.hint());
+    }
     return error.exitStatus();
   } catch (const std::exception& error) {
     printError(std::string("Error: ") + error.what());

@@ -1,13 +1,34 @@
 #include "LarkspireCLI/Commands/ArchiveCommands.h"
 
+#include "LKCore/NoteRepository/LKNoteFileService.h"
+#include "LarkspireCLI/Support/NoteWriting.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/RequiredNote.h"
+
 namespace lk {
+
+namespace {
+
+void changeArchiveState(const GlobalOptions& options, const NoteReference& reference,
+                        const NoteChange& change, const std::string& report) {
+  const auto [collection, note] =
+      requireNote(options, reference, "Provide a note title or --id UUID.");
+  requireWritable(collection);
+  requireReadableBlock(note.url);
+  writeNotes([&] { LKNoteFileService::updateNote(note.url, change); });
+  printMessage(options, report + note.title);
+}
+
+}  // namespace
 
 void ArchiveCommand::declare(ArgumentList& arguments) {
   note.declare(arguments);
 }
 
 void ArchiveCommand::run() {
-  throwComesLater("archive");
+  NoteChange change;
+  change.propertyUpdates["status"] = "archived";
+  changeArchiveState(options, note, change, "Archived: ");
 }
 
 void UnarchiveCommand::declare(ArgumentList& arguments) {
@@ -15,7 +36,9 @@ void UnarchiveCommand::declare(ArgumentList& arguments) {
 }
 
 void UnarchiveCommand::run() {
-  throwComesLater("unarchive");
+  NoteChange change;
+  change.blockTransform = LKNoteFileService::bringBack;
+  changeArchiveState(options, note, change, "Unarchived: ");
 }
 
 }  // namespace lk

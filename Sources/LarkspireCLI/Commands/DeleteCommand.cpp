@@ -1,6 +1,63 @@
 #include "LarkspireCLI/Commands/DeleteCommand.h"
 
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "LKCore/NoteRepository/LKNoteFileService.h"
+#include "LKCore/Platform/Files.h"
+#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/NoteMover.h"
+#include "LarkspireCLI/Support/NoteWriting.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/RequiredNote.h"
+
 namespace lk {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<fs::path> entriesOf(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator it(folder, error), end; it != end; it.increment(error)) {
+    entries.push_back(it->path());
+  }
+  if (error && error.value() != ENOENT) {
+    throw CLIError::writeFailed(FileError(folder, error.value()).description());
+  }
+  return entries;
+}
+
+void emptyTrashOf(const fs::path& collection, const GlobalOptions& options) {
+  const std::vector<fs::path> entries = entriesOf(collection / ".trash");
+  if (entries.empty()) {
+    printMessage(options, "Trash is already empty.");
+    return;
+  }
+  requireWritable(collection);
+  size_t deleted = 0;
+  std::string failures;
+  for (const fs::path& entry : entries) {
+    std::error_code error;
+    fs::remove_all(entry, error);
+    if (error) {
+      failures += "\n  " + FileError(entry, error.value()).description();
+    } else {
+      ++deleted;
+    }
+  }
+  const std::string report =
+      "Emptied trash: " + std::to_string(deleted) + " notes permanently deleted.";
+  if (!failures.empty()) {
+    throw CLIError::writeFailed(report + " These are still there:" + failures);
+  }
+  printMessage(options, report);
+}
+
+}  // namespace
 
 void DeleteCommand::declare(ArgumentList& arguments) {
   note.declare(arguments);
@@ -9,7 +66,25 @@ void DeleteCommand::declare(ArgumentList& arguments) {
 }
 
 void DeleteCommand::run() {
-  throwComesLater("delete");
+  if (emptyTrash) {
+    emptyTrashOf(resolvedCollection(options.collection, options.quiet), options);
+    return;
+  }
+  const auto [collection, found] =
+      requireNote(options, note, "Provide a note title, --id UUID, or --empty-trash.");
+  requireWritable(collection);
+  requireReadableBlock(found.url);
+  if (permanent) {
+    writeNotes([&] { LKNoteFileService::deleteNotePermanently(found.url); });
+    printMessage(options, "Permanently deleted: " + found.title);
+    return;
+  }
+  const fs::path trash = collection / ".trash";
+  writeNotes([&] {
+    createFolders(trash);
+    NoteMover::moveInto(trash, found.url);
+  });
+  printMessage(options, "Trashed: " + found.title);
 }
 
 }  // namespace lk

@@ -1,6 +1,75 @@
 #include "LarkspireCLI/Commands/EditCommand.h"
 
+#include "LKCore/Base/Json.h"
+#include "LKCore/Base/Text.h"
+#include "LKCore/NoteRepository/LKNoteFileService.h"
+#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/NoteWriting.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/PropertyArgument.h"
+#include "LarkspireCLI/Support/RequiredNote.h"
+#include "LarkspireCLI/Support/StandardInput.h"
+
 namespace lk {
+
+namespace {
+
+std::string appended(std::string body, const std::string& text) {
+  body += body.ends_with('\n') ? "\n" : "\n\n";
+  return body + text + "\n";
+}
+
+std::string prependedAfterHeading(const std::string& body, const std::string& text) {
+  size_t heading = body.starts_with('#') ? 0 : body.find("\n#");
+  if (heading == std::string::npos) return text + "\n\n" + body;
+  if (heading > 0) ++heading;
+  const size_t end = std::min(body.find('\n', heading), body.size());
+  return body.substr(0, end) + "\n\n" + text + body.substr(end);
+}
+
+void refuseBoth(bool first, bool second, const char* names) {
+  if (first && second) {
+    throw CLIError::general(std::string("Use either ") + names + ", not both.");
+  }
+}
+
+bool hasTextOption(const EditCommand& command) {
+  return command.content || command.append || command.prependAfterHeading;
+}
+
+std::string newBody(const EditCommand& command, std::string body) {
+  if (command.content) body = withLineFeeds(*command.content);
+  if (command.append) body = appended(std::move(body), withLineFeeds(*command.append));
+  if (command.prependAfterHeading) {
+    body = prependedAfterHeading(body, withLineFeeds(*command.prependAfterHeading));
+  }
+  return body;
+}
+
+NoteChange changeOf(const EditCommand& command) {
+  NoteChange change;
+  for (const std::string& argument : command.setProperties) {
+    const PropertyArgument property = PropertyArgument::parse(argument);
+    change.propertyUpdates[property.key] = property.value;
+  }
+  for (const std::string& key : command.removeProperties) {
+    change.propertyUpdates[std::string(text::trimmed(key))] = std::nullopt;
+  }
+  if (command.archive) change.propertyUpdates["status"] = "archived";
+  if (command.unarchive) change.blockTransform = LKNoteFileService::bringBack;
+  if (command.favourite || command.unfavourite) change.isFavourite = command.favourite;
+  if (hasTextOption(command)) {
+    change.bodyTransform = [&command](std::string body) {
+      return newBody(command, std::move(body));
+    };
+  } else if (auto input = pipedInput()) {
+    change.bodyTransform = [input](const std::string&) { return *input; };
+  }
+  return change;
+}
+
+}  // namespace
 
 void EditCommand::declare(ArgumentList& arguments) {
   arguments.positional("reference", reference, "Note title or UUID.").completion =
@@ -25,7 +94,19 @@ void EditCommand::declare(ArgumentList& arguments) {
 }
 
 void EditCommand::run() {
-  throwComesLater("edit");
+  const std::filesystem::path collection = resolvedCollection(options.collection, options.quiet);
+  refuseBoth(favourite, unfavourite, "--favourite or --unfavourite");
+  refuseBoth(archive, unarchive, "--archive or --unarchive");
+  const ResolvedNote note = requireNoteIn(collection, options, reference);
+  requireWritable(collection);
+  const NoteChange changes = changeOf(*this);
+  if (!changes.bodyTransform && !changes.blockTransform && changes.propertyUpdates.empty() &&
+      !changes.isFavourite) {
+    throw CLIError::general("No changes specified. Use --content, --append, --set-property, etc.");
+  }
+  requireReadableBlock(note.url);
+  writeNotes([&] { LKNoteFileService::updateNote(note.url, changes); });
+  printMessage(options, "Updated: " + note.title);
 }
 
 }  // namespace lk

@@ -1,6 +1,42 @@
 #include "LarkspireCLI/Commands/OpenCommand.h"
 
+#include <filesystem>
+
+#include "LKCore/Collections/LKCollectionStore.h"
+#include "LKCore/DailyNotes/LKDailyNoteService.h"
+#include "LKCore/Platform/Files.h"
+#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/DeepLink.h"
+#include "LarkspireCLI/Support/NoteWriting.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/RequiredNote.h"
+
 namespace lk {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kReadOnly =
+    "This collection is read-only. Daily notes cannot be created or modified.";
+
+UUID dailyNoteOf(Day day, const fs::path& collection) {
+  const fs::path url = LKDailyNoteService::dailyNoteURL(day, collection);
+  if (!nameIsTaken(url)) requireWritable(collection, kReadOnly);
+  writeNotes([&] { LKDailyNoteService::createIfNeeded(day, collection, ""); }, kReadOnly);
+  const auto id = NoteFinder::identityOf(url);
+  if (!id) throw CLIError::general("Failed to read daily note.");
+  return *id;
+}
+
+std::optional<UUID> collectionID(const fs::path& folder) {
+  const auto record = LKCollectionStore::shared().collectionContaining(folder);
+  if (!record) return std::nullopt;
+  return record->id;
+}
+
+}  // namespace
 
 void OpenCommand::declare(ArgumentList& arguments) {
   note.declare(arguments);
@@ -8,7 +44,15 @@ void OpenCommand::declare(ArgumentList& arguments) {
 }
 
 void OpenCommand::run() {
-  throwComesLater("open");
+  if (daily) {
+    const fs::path collection = resolvedCollection(options.collection, options.quiet);
+    openDeepLink(dailyNoteOf(Day::local(Instant::now()), collection), collectionID(collection));
+  } else {
+    const auto [collection, found] =
+        requireNote(options, note, "Provide a note title, --id UUID, or --daily.");
+    openDeepLink(found.id, collectionID(collection));
+  }
+  printMessage(options, "Opened in Larkspire.");
 }
 
 }  // namespace lk

@@ -1,6 +1,80 @@
 #include "LarkspireCLI/Commands/ShowCommand.h"
 
+#include <filesystem>
+
+#include "LKCore/Base/Json.h"
+#include "LKCore/Base/Text.h"
+#include "LKCore/NoteFiles/LKFileFrontMatter.h"
+#include "LKCore/NoteFiles/LKSyncError.h"
+#include "LKCore/Platform/Files.h"
+#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/NoteWriting.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/RequiredNote.h"
+
 namespace lk {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct ShownNote {
+  LKParsedDocument document;
+  std::string title;
+  FileInfo info;
+};
+
+ShownNote load(const ResolvedNote& note) {
+  ShownNote shown;
+  shown.title = note.title;
+  std::string bytes;
+  try {
+    bytes = readFile(note.url);
+    shown.info = fileInfo(note.url).value_or(FileInfo{});
+  } catch (const FileError& error) {
+    throw CLIError::general("Could not read " + error.description());
+  }
+  shown.info.size = bytes.size();
+  if (!text::isValidUTF8(bytes)) throw notANote(note.url, bytes);
+  try {
+    shown.document = parseDocument(bytes);
+  } catch (const LKSyncError&) {
+    throw notANote(note.url, bytes);
+  }
+  return shown;
+}
+
+std::string jsonOf(const ShownNote& note, bool withBody) {
+  const LKFileFrontMatter& block = note.document.frontMatter;
+  Json json = {{"id", block.id.text()},
+               {"title", note.title},
+               {"created", formatISO8601(block.created)},
+               {"modified", formatISO8601(note.info.modified)},
+               {"size", note.info.size},
+               {"properties", Json(block.userProperties)}};
+  if (withBody) json["body"] = note.document.body;
+  return printJson(json);
+}
+
+std::string headOf(const ShownNote& note) {
+  const LKFileFrontMatter& block = note.document.frontMatter;
+  std::string head = "id: " + block.id.text() + "\ncreated: " + formatISO8601(block.created) +
+                     "\nsize: " + std::to_string(note.info.size) + " bytes\ntitle: " + note.title;
+  if (block.dailyDate) head += "\nlk-daily: " + LKDateOnly::text(*block.dailyDate);
+  for (const auto& [key, value] : block.userProperties) head += "\n" + key + ": " + value;
+  return head;
+}
+
+// The body as it stands; a line feed only where it ends without one.
+void printBody(const std::string& body) {
+  if (body.ends_with('\n')) {
+    printText(body);
+  } else {
+    printLine(body);
+  }
+}
+
+}  // namespace
 
 void ShowCommand::declare(ArgumentList& arguments) {
   note.declare(arguments);
@@ -11,7 +85,22 @@ void ShowCommand::declare(ArgumentList& arguments) {
 }
 
 void ShowCommand::run() {
-  throwComesLater("show");
+  const NoteInCollection found = requireNote(options, note, "Provide a note title or --id UUID.");
+  const ShownNote shown = load(found.note);
+  if (tasks) throwComesLater("show --tasks");
+  if (backlinks) throwComesLater("show --backlinks");
+  if (options.json) {
+    printLine(jsonOf(shown, !properties));
+    return;
+  }
+  if (body && !properties) {
+    printBody(shown.document.body);
+    return;
+  }
+  printLine(headOf(shown));
+  if (properties) return;
+  printLine("");
+  printBody(shown.document.body);
 }
 
 }  // namespace lk

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "LKCore/Base/Json.h"
 #include "LarkspireCLI/Support/GlobalOptions.h"
 
 namespace lk {
@@ -40,6 +41,10 @@ void printError(std::string_view text) {
 
 void printNote(const GlobalOptions& options, std::string_view text) {
   if (!options.quiet) printError(text);
+}
+
+void printMessage(const GlobalOptions& options, const std::string& message) {
+  printLine(options.json ? printJson(Json{{"message", message}}) : message);
 }
 
 int finishOutput() {

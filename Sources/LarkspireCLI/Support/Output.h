@@ -4,6 +4,7 @@
 // output is buffered; the entry point writes out the rest at the end and makes a failed write
 // the run's failure, so a command never checks.
 
+#include <string>
 #include <string_view>
 
 namespace lk {
@@ -18,6 +19,9 @@ void printText(std::string_view text);
 void printError(std::string_view text);
 // The same for a note, warning or hint: dropped under --quiet.
 void printNote(const GlobalOptions& options, std::string_view text);
+
+// How a changing command reports: the message as a line, or as {"message": ...} with --json.
+void printMessage(const GlobalOptions& options, const std::string& message);
 
 // Writes out what is buffered. 0 when every byte of the run has reached standard output, else the
 // errno of the first write that failed.

@@ -1,0 +1,168 @@
+#include "LarkspireCLI/Support/NoteFinder.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "LKCore/Base/Text.h"
+#include "LKCore/Base/Time.h"
+#include "LKCore/NoteFiles/LKFileFrontMatter.h"
+#include "LKCore/NoteFiles/LKNoteFilename.h"
+#include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/FolderWalk.h"
+
+namespace lk::NoteFinder {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// More than any block but one with hundreds of tasks; those are read whole.
+constexpr size_t kBlockStart = 16 * 1024;
+
+constexpr std::string_view kExtension = ".md";
+
+bool isNoteEntry(const WalkEntry& entry) {
+  return entry.name.ends_with(kExtension) && entry.name.size() > kExtension.size() &&
+         (entry.kind == WalkEntry::Kind::file || entry.kind == WalkEntry::Kind::symbolicLink);
+}
+
+// The display title behind a file name, without a path object for each of 100,000 names.
+std::string_view titleOf(std::string_view fileName) {
+  const std::string_view base = fileName.substr(0, fileName.size() - kExtension.size());
+  return LKNoteFilename::isUUIDBasename(base) ? std::string_view("Untitled") : base;
+}
+
+// Calls `visit` with every note file of the collection, daily notes last, until it says stop.
+void walkNotes(const fs::path& collection, const std::function<void(const std::string&)>& warn,
+               const std::function<WalkStep(const fs::path& folder, const WalkEntry&)>& visit) {
+  WalkOptions options;
+  options.onProblem = [&](const WalkProblem& problem) {
+    if (problem.kind == WalkProblem::Kind::nameNotUTF8) {
+      warn("Warning: skipped a file whose name is not valid UTF-8: " +
+           text::escapedInvalid(problem.relativePath));
+    }
+  };
+  for (const fs::path& folder : {collection, collection / ".daily"}) {
+    const bool reachedEnd = walkFolder(
+        folder,
+        [&](const WalkEntry& entry) {
+          return isNoteEntry(entry) ? visit(folder, entry) : WalkStep::proceed;
+        },
+        options);
+    if (!reachedEnd) return;
+  }
+}
+
+std::optional<FileInfo> infoOf(const fs::path& url) {
+  try {
+    return fileInfo(url);
+  } catch (const FileError&) {
+    return std::nullopt;
+  }
+}
+
+std::optional<ResolvedNote> resolvedNote(const fs::path& url) {
+  const auto info = infoOf(url);
+  if (!info || !info->isRegular) return std::nullopt;
+  const auto id = identityOf(url);
+  return ResolvedNote{url, id ? *id : UUID::random(), LKNoteFilename::displayName(url)};
+}
+
+std::optional<ResolvedNote> noteWithID(UUID id, const fs::path& collection,
+                                       const std::function<void(const std::string&)>& warn) {
+  std::optional<ResolvedNote> found;
+  walkNotes(collection, warn, [&](const fs::path& folder, const WalkEntry& entry) {
+    const fs::path url = folder / entry.relativePath;
+    if (identityOf(url) != id) return WalkStep::proceed;
+    found = ResolvedNote{url, id, std::string(titleOf(entry.name))};
+    return WalkStep::stop;
+  });
+  return found;
+}
+
+// The file that the title names in the root of the collection.
+std::optional<ResolvedNote> noteInRoot(const std::string& title, const fs::path& collection) {
+  if (title.empty() || title.front() == '.' || title.find('/') != std::string::npos) {
+    return std::nullopt;
+  }
+  return resolvedNote(collection / (title + std::string(kExtension)));
+}
+
+struct PartialMatch {
+  fs::path url;
+  std::string title;
+  Instant modified;
+};
+
+std::optional<ResolvedNote> best(std::vector<PartialMatch> matches) {
+  for (PartialMatch& match : matches) {
+    if (const auto info = infoOf(match.url)) match.modified = info->modified;
+  }
+  std::ranges::sort(matches, [](const PartialMatch& a, const PartialMatch& b) {
+    if (a.modified != b.modified) return a.modified > b.modified;
+    const int order = text::compareLocalized(a.title, b.title);
+    return order != 0 ? order < 0 : a.url < b.url;
+  });
+  for (const PartialMatch& match : matches) {
+    if (auto note = resolvedNote(match.url)) return note;
+  }
+  return std::nullopt;
+}
+
+std::optional<ResolvedNote> noteByTitle(const std::string& reference, const fs::path& collection,
+                                        const std::function<void(const std::string&)>& warn) {
+  const std::string key = text::caseInsensitiveKey(reference);
+  std::set<std::tuple<bool, fs::path>> exact;  // another case, path: the best one first
+  std::vector<PartialMatch> partial;
+  walkNotes(collection, warn, [&](const fs::path& folder, const WalkEntry& entry) {
+    const std::string_view title = titleOf(entry.name);
+    const std::string titleKey = text::caseInsensitiveKey(title);
+    if (titleKey == key) {
+      exact.emplace(title != reference, folder / entry.relativePath);
+    } else if (titleKey.find(key) != std::string::npos) {
+      partial.push_back({folder / entry.relativePath, std::string(title), {}});
+    }
+    return WalkStep::proceed;
+  });
+  for (const auto& [isOtherCase, url] : exact) {
+    if (auto note = resolvedNote(url)) return note;
+  }
+  return best(std::move(partial));
+}
+
+}  // namespace
+
+std::optional<ResolvedNote> resolve(const std::string& reference, const fs::path& collection,
+                                    const std::function<void(const std::string&)>& warn) {
+  if (const auto id = UUID::parse(reference)) return noteWithID(*id, collection, warn);
+  if (reference.empty()) return std::nullopt;
+  if (auto note = noteInRoot(reference, collection)) return note;
+  return noteByTitle(reference, collection, warn);
+}
+
+std::vector<fs::path> notesDirectlyIn(const fs::path& folder) {
+  std::vector<fs::path> notes;
+  walkFolder(folder, [&](const WalkEntry& entry) {
+    if (isNoteEntry(entry) && entry.name == entry.relativePath) {
+      notes.push_back(folder / entry.name);
+    }
+    return WalkStep::proceed;
+  });
+  std::ranges::sort(notes);
+  return notes;
+}
+
+std::optional<UUID> identityOf(const fs::path& url) {
+  try {
+    const std::string start = readFileStart(url, kBlockStart);
+    const auto id = readIdentity(start);
+    return id || start.size() < kBlockStart ? id : readIdentity(readFile(url));
+  } catch (const FileError&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace lk::NoteFinder

@@ -1,0 +1,29 @@
+#include "LarkspireCLI/Support/RequiredNote.h"
+
+#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/Output.h"
+
+namespace lk {
+
+namespace fs = std::filesystem;
+
+NoteInCollection requireNote(const GlobalOptions& options, const NoteReference& reference,
+                             const std::string& missingMessage) {
+  const fs::path collection = resolvedCollection(options.collection, options.quiet);
+  const auto& [title, id] = reference;
+  if (!title && !id) throw CLIError::general(missingMessage);
+  // --id is a UUID and nothing else: one that is not fits no note, whatever its title.
+  if (id && !UUID::parse(*id)) throw CLIError::noteNotFound(*id);
+  return {collection, requireNoteIn(collection, options, id ? *id : *title)};
+}
+
+ResolvedNote requireNoteIn(const fs::path& collection, const GlobalOptions& options,
+                           const std::string& reference) {
+  const auto warn = [&](const std::string& message) { printNote(options, message); };
+  auto note = NoteFinder::resolve(reference, collection, warn);
+  if (!note) throw CLIError::noteNotFound(reference);
+  return *note;
+}
+
+}  // namespace lk

@@ -1,0 +1,17 @@
+#include "LarkspireCLI/Support/TagArgument.h"
+
+#include "LKCore/Navigation/LKTagNameRules.h"
+#include "LarkspireCLI/CLIError.h"
+
+namespace lk::TagArgument {
+
+std::string readable(std::string_view argument) {
+  const std::string tag(argument.starts_with('#') ? argument.substr(1) : argument);
+  if (LKTagNameRules::problem(tag)) {
+    throw CLIError::general(
+        "\"" + tag + "\": Larkspire tags can only contain letters, numbers, hyphens and slashes.");
+  }
+  return tag;
+}
+
+}  // namespace lk::TagArgument

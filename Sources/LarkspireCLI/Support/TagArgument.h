@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// A tag given as an argument, with or without its "#".
+namespace lk::TagArgument {
+
+// The tag without one leading "#". Throws CLIError (general) for a name that no note could carry.
+std::string readable(std::string_view argument);
+
+}  // namespace lk::TagArgument
