@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -43,15 +44,11 @@ std::string withoutVolatileParts(std::string output, const fs::path& home) {
 }
 
 // What a shell would show of the command, the command line included.
-std::string played(const std::string& command, const test::TempFolder& home) {
+std::string played(const std::string& command, const test::Sandbox& sandbox) {
   const std::string script =
-      "PATH=" + fs::path(LK_TOOL_PATH).parent_path().string() + ":$PATH\n" + command;
-  test::ProcessOptions options;
-  options.home = home.path();
-  options.workingFolder = home.path();
-  options.mergeErrorIntoOutput = true;
-  const test::ProcessResult result = test::runProcess("/bin/sh", {"-c", script}, options);
-  std::string shown = "$ " + command + "\n" + withoutVolatileParts(result.output, home.path());
+      "PATH=" + fs::path(LK_TOOL_PATH).parent_path().string() + ":$PATH\nexec 2>&1\n" + command;
+  const test::ProcessResult result = sandbox.run("/bin/sh", {"-c", script});
+  std::string shown = "$ " + command + "\n" + withoutVolatileParts(result.out, sandbox.home());
   if (!shown.ends_with('\n')) shown += "\n[no line feed at the end]\n";
   if (result.status != 0) shown += "[status " + std::to_string(result.status) + "]\n";
   return shown;
@@ -59,15 +56,15 @@ std::string played(const std::string& command, const test::TempFolder& home) {
 
 // Everything but the commands' output is kept: comments and blank lines before the first command.
 std::string replayed(const std::string& transcript) {
-  const test::TempFolder home;
-  fs::copy(fs::path(LK_SOURCE_ROOT) / "Samples/Garden", home / "Garden",
+  const test::Sandbox sandbox;
+  fs::copy(fs::path(LK_SOURCE_ROOT) / "Samples/Garden", sandbox.home() / "Garden",
            fs::copy_options::recursive);
   std::string result;
   bool started = false;
   for (const std::string_view line : text::split(transcript, '\n')) {
     if (line.starts_with("$ ")) {
       started = true;
-      result += played(std::string(line.substr(2)), home);
+      result += played(std::string(line.substr(2)), sandbox);
     } else if (!started) {
       result.append(line).push_back('\n');
     }

@@ -1,0 +1,168 @@
+// How a reference finds its note, and what the commands take from standard input.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "LKCore/NoteFiles/LKFileFrontMatter.h"
+#include "LKCore/Platform/Files.h"
+#include "LarkspireCLI/Support/NoteFinder.h"
+#include "Support/Process.h"
+#include "Support/TempFolder.h"
+
+namespace lk {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ProcessResult;
+
+// A collection in which every way of finding has something to find, and to mistake it for.
+class Finding : public testing::Test {
+ protected:
+  Finding() {
+    note("Garden plan", 1);
+    note("Old garden", 5);
+    note("Projects/Shed", 2);
+    note("Projects/garden PLAN", 9);
+    note("caf\u00E9", 3);
+    note(".daily/20260314", 4);
+    note(".trash/Trashed", 6);
+    note("Trip.textbundle/Hidden in a package", 7);
+    note("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F", 8);
+    test::writeWhole(folder / "Plain.md", "no block");
+    fs::create_directory(folder / "Folder.md");
+  }
+
+  void note(const std::string& path, int age) {
+    LKFileFrontMatter block;
+    block.id = UUID::random();
+    const fs::path file = folder.path() / (path + ".md");
+    fs::create_directories(file.parent_path());
+    test::writeWhole(file, serialize(block, path));
+    setModified(file, {1'700'000'000 - age * 1000, 0});
+    ids[path] = block.id;
+  }
+
+  std::string found(const std::string& reference) {
+    const auto result = NoteFinder::resolve(reference, folder.path(), [](const std::string&) {});
+    return result ? result->url.lexically_relative(folder.path()).string() : "nothing";
+  }
+
+  const test::TempFolder folder;
+  std::map<std::string, UUID> ids;
+};
+
+TEST_F(Finding, PrefersTheExactTitleThenAnyCaseThenAPart) {
+  EXPECT_EQ(found("Garden plan"), "Garden plan.md");
+  EXPECT_EQ(found("garden PLAN"), "Projects/garden PLAN.md");
+  EXPECT_EQ(found("GARDEN PLAN"), "Garden plan.md");
+  EXPECT_EQ(found("garden"), "Garden plan.md");  // the youngest of three
+  EXPECT_EQ(found("shed"), "Projects/Shed.md");
+  EXPECT_EQ(found("CAFE\u0301"), "caf\u00E9.md");
+  EXPECT_EQ(found("20260314"), ".daily/20260314.md");
+  EXPECT_EQ(found("untitled"), "6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F.md");
+  EXPECT_EQ(found("Plain"), "Plain.md");
+}
+
+TEST_F(Finding, LeavesOutTrashPackagesFoldersAndWhatLiesOutside) {
+  for (const char* reference : {"Trashed", "Hidden in a package", "Folder", "nothing like it", "",
+                                "../outside", "Projects/Shed", ".daily/20260314", "/etc/passwd"}) {
+    EXPECT_EQ(found(reference), "nothing") << reference;
+  }
+}
+
+TEST_F(Finding, LooksForAUUIDInTheBlocksAlone) {
+  EXPECT_EQ(found(ids.at("Projects/Shed").text()), "Projects/Shed.md");
+  EXPECT_EQ(found(ids.at(".daily/20260314").lowercaseText()), ".daily/20260314.md");
+  EXPECT_EQ(found(ids.at(".trash/Trashed").text()), "nothing");
+  // A file of that name has another id.
+  EXPECT_EQ(found("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F"), "nothing");
+}
+
+TEST_F(Finding, ReadsABlockOfAnySize) {
+  LKFileFrontMatter block;
+  block.id = UUID::random();
+  for (int i = 0; i < 2000; ++i) block.taskEntries.push_back({i, UUID::random(), "12345678"});
+  test::writeWhole(folder / "Many tasks.md", serialize(block, "body"));
+  EXPECT_EQ(found(block.id.text()), "Many tasks.md");
+}
+
+struct InputCase {
+  std::string name;
+  std::string redirection;
+  std::string body;
+};
+
+class StandardInput : public testing::TestWithParam<InputCase> {};
+
+TEST_P(StandardInput, CountsOnlyWhenItHoldsData) {
+  const test::Sandbox sandbox;
+  fs::create_directory(sandbox.home() / "Notes");
+  test::writeWhole(sandbox.home() / "file.txt", "from a file");
+  const std::string tool = std::string("'") + LK_TOOL_PATH + "' ";
+  ASSERT_EQ(sandbox.lk({"create", "X", "--content", "old", "--collection", "Notes"}).status, 0);
+  const ProcessResult edited = sandbox.run(
+      "/bin/sh", {"-c", tool + "edit X --favourite --collection Notes " + GetParam().redirection});
+  ASSERT_EQ(edited.status, 0) << edited.err;
+  EXPECT_EQ(sandbox.lk({"show", "X", "--body", "--collection", "Notes"}).out, GetParam().body);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, StandardInput,
+                         testing::Values(InputCase{"nothing", "</dev/null", "old\n"},
+                                         InputCase{"closed", "<&-", "old\n"},
+                                         InputCase{"a_file", "<file.txt", "from a file\n"},
+                                         InputCase{"text_option_wins", "--append a <file.txt",
+                                                   "old\n\na\n"}),
+                         [](const auto& info) { return info.param.name; });
+
+struct EditCase {
+  std::string name;
+  std::string body;
+  std::vector<std::string> options;
+  std::string result;
+};
+
+class Edits : public testing::TestWithParam<EditCase> {};
+
+TEST_P(Edits, MakeThisBody) {
+  const test::Sandbox sandbox;
+  fs::create_directory(sandbox.home() / "Notes");
+  ASSERT_EQ(
+      sandbox.lk({"create", "X", "--content", GetParam().body, "--collection", "Notes"}).status, 0);
+  std::vector<std::string> arguments = {"edit", "X", "--collection", "Notes"};
+  arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+  const ProcessResult edited = sandbox.lk(arguments);
+  ASSERT_EQ(edited.status, 0) << edited.err;
+  const std::string file = test::readWhole(sandbox.home() / "Notes/X.md");
+  EXPECT_EQ(file.substr(file.find("---\n", 4) + 4), GetParam().result);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Options, Edits,
+    testing::Values(
+        EditCase{"content_with_line_feeds", "old", {"--content", "a\\nb"}, "a\nb"},
+        EditCase{"append_to_nothing", "", {"--append", "a"}, "\n\na\n"},
+        EditCase{"append_after_a_line_feed", "x\n", {"--append", "a"}, "x\n\na\n"},
+        EditCase{"append_after_text", "x", {"--append", "a"}, "x\n\na\n"},
+        EditCase{"prepend_after_heading",
+                 "intro\n# H\nrest",
+                 {"--prepend-after-heading", "new"},
+                 "intro\n# H\n\nnew\nrest"},
+        EditCase{
+            "prepend_without_heading", "rest", {"--prepend-after-heading", "new"}, "new\n\nrest"},
+        EditCase{"prepend_after_a_heading_alone",
+                 "# H",
+                 {"--prepend-after-heading", "new"},
+                 "# H\n\nnew"},
+        EditCase{"all_three_in_order",
+                 "old",
+                 {"--append", "z", "--prepend-after-heading", "p", "--content", "# H"},
+                 "# H\n\np\n\nz\n"},
+        EditCase{"a_value_that_looks_like_an_option", "old", {"--content", "--json"}, "--json"},
+        EditCase{"braces", "old", {"--content", "{}"}, "{}"}),
+    [](const auto& info) { return info.param.name; });
+
+}  // namespace
+}  // namespace lk
