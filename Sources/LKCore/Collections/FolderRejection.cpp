@@ -32,9 +32,9 @@ constexpr auto kSystemPaths =
                                      "/private", "/etc", "/tmp", "/Applications", "/Volumes"});
 
 // The same on this platform. They come after the home folder, which may be one of them.
-constexpr auto kMoreSystemPaths = std::to_array<std::string_view>(
-    {"/boot", "/dev", "/home", "/lib", "/lib32", "/lib64", "/media", "/mnt", "/opt", "/proc",
-     "/root", "/run", "/srv", "/sys"});
+constexpr auto kMoreSystemPaths =
+    std::to_array<std::string_view>({"/boot", "/dev", "/home", "/lib", "/lib32", "/lib64", "/media",
+                                     "/mnt", "/opt", "/proc", "/root", "/run", "/srv", "/sys"});
 
 constexpr auto kSystemPathsInHome = std::to_array<std::string_view>(
     {"Library", "Library/Application Support", "Library/Caches", "Library/Preferences", ".Trash",
