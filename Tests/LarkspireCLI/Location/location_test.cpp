@@ -85,10 +85,9 @@ class Location : public testing::Test {
     writeWhole(support() / "cli-active-collection", id + "\n" + path.string() + "\n");
   }
 
-  // Runs `question` as a user without special rights at home; its answer, then what it said on
-  // standard error. A CLIError is "[STATUS] MESSAGE". The home's path reads "~".
+  // The answer to `question`, asked at home, and before it what was said on standard error. A CLIError is "[STATUS] MESSAGE". The home's path reads "~".
   std::string ask(const std::function<std::string()>& question) const {
-    const fs::path out = home_ / ".answer";
+    const fs::path out = answers_ / "answer";
     const pid_t child = fork();
     if (child == 0) answer(question, out);
     int status = -1;
@@ -131,7 +130,10 @@ class Location : public testing::Test {
   }
 
  protected:
-  bool drops_ = false;
+  bool drops_ = false;  // whether a test that runs as root asks as nobody
+
+ private:
+  TempFolder answers_;
 };
 
 TEST_F(Location, AReferenceIsAnIdThenANameThenABeginningThenAFolder) {
@@ -248,7 +250,8 @@ TEST_F(Location, WhatTheApplicationRefusesIsSaid) {
 TEST_F(Location, AHomeThatCannotBeWrittenIsNoObstacleToReading) {
   fs::create_directories(home_ / "Documents/Larkspire");
   fs::permissions(home_.path(),
-                  fs::perms::owner_all | fs::perms::others_exec | fs::perms::others_read);
+                  fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                  fs::perm_options::remove);
   drops_ = true;
   EXPECT_EQ(locate({}), "~/Documents/Larkspire");
   EXPECT_FALSE(fs::exists(support()));
