@@ -4,7 +4,6 @@ find_package(nlohmann_json REQUIRED)
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
-find_path(SPDLOG_INCLUDE_DIR spdlog/spdlog.h REQUIRED)
 
 # One imported target a library: the archive when LK_STATIC asks for it, else the shared object.
 function(lk_library name)

@@ -1,41 +1,35 @@
 #include "LKCore/Base/Log.h"
 
-#include <spdlog/sinks/syslog_sink.h>
-#include <spdlog/spdlog.h>
+#include <syslog.h>
 
-#include <memory>
+#include <algorithm>
 
 namespace lk::log {
 
 namespace {
 
-void write(spdlog::level::level_enum level, std::string_view message) {
-  try {
-    static const std::shared_ptr<spdlog::logger> logger = [] {
-      auto sink = std::make_shared<spdlog::sinks::syslog_sink_mt>("com.larkspire", 0, LOG_USER,
-                                                                  /*enable_formatting=*/false);
-      auto made = std::make_shared<spdlog::logger>("com.larkspire", std::move(sink));
-      made->set_level(spdlog::level::debug);
-      made->set_error_handler([](const std::string&) {});
-      return made;
-    }();
-    logger->log(level, message);
-  } catch (const std::exception&) {
-    // A trace that cannot be written is not worth failing for.
-    return;
-  }
+// The longest trace worth keeping, in bytes; paths and causes fit.
+constexpr size_t kLongest = 4096;
+
+void write(int priority, std::string_view message) {
+  static const bool opened = [] {
+    openlog("com.larkspire", LOG_PID, LOG_USER);
+    return true;
+  }();
+  if (!opened) return;
+  syslog(priority, "%.*s", static_cast<int>(std::min(message.size(), kLongest)), message.data());
 }
 
 }  // namespace
 
 void debug(std::string_view message) {
-  write(spdlog::level::debug, message);
+  write(LOG_DEBUG, message);
 }
 void warning(std::string_view message) {
-  write(spdlog::level::warn, message);
+  write(LOG_WARNING, message);
 }
 void error(std::string_view message) {
-  write(spdlog::level::err, message);
+  write(LOG_ERR, message);
 }
 
 }  // namespace lk::log
