@@ -12,8 +12,8 @@ namespace lk::test {
 
 namespace fs = std::filesystem;
 
-TempFolder::TempFolder() {
-  std::string pattern = (fs::temp_directory_path() / "larkspire-test-XXXXXX").string();
+TempFolder::TempFolder(const fs::path& parent) {
+  std::string pattern = (parent / "larkspire-test-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
   path_ = fs::canonical(pattern);
 }
@@ -26,6 +26,11 @@ TempFolder::~TempFolder() {
     }
   }
   fs::remove_all(path_, ignored);
+}
+
+fs::path memoryFolder() {
+  const fs::path shared = "/dev/shm";
+  return access(shared.c_str(), W_OK) == 0 ? shared : fs::temp_directory_path();
 }
 
 std::string readWhole(const fs::path& file) {

@@ -9,7 +9,8 @@ namespace lk::test {
 // A fresh folder that is removed with all its content when the object goes.
 class TempFolder {
  public:
-  TempFolder();
+  TempFolder() : TempFolder(std::filesystem::temp_directory_path()) {}
+  explicit TempFolder(const std::filesystem::path& parent);
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
@@ -20,6 +21,9 @@ class TempFolder {
  private:
   std::filesystem::path path_;
 };
+
+// Where a folder costs no disk writes: a file system in memory, if there is one.
+std::filesystem::path memoryFolder();
 
 // Whole files, byte for byte. Reading a file that is not there throws std::runtime_error.
 std::string readWhole(const std::filesystem::path& file);

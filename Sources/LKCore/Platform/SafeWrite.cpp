@@ -156,7 +156,8 @@ int renameExclusively(const Place& from, const std::string& name, const Place& t
 // Writers of the same file do not disturb each other. Whoever has the temporary name holds a lock
 // on the file behind it. Whoever finds the name taken waits for that lock, and only a file that
 // still has the name when the lock is won was left by a dead writer, and is removed. Where locks
-// do not work, each writer takes a name that nobody else uses.
+// do not work, an anonymous draft, whole when it gets its name, may still have that name taken
+// from it, which its writer sees; any other takes a name that nobody else uses.
 class Draft {
  public:
   Draft(const Place& place, FileSystemAbilities abilities, mode_t mode)
@@ -179,7 +180,7 @@ class Draft {
   enum class Outcome {
     done,
     nameTaken,
-    needsName,  // this file system cannot name an anonymous file: start again with a name
+    needsName,  // an anonymous file cannot be named, or lost its name: start again with a name
   };
   Outcome replace();  // never nameTaken
   Outcome publish();
@@ -198,6 +199,7 @@ class Draft {
   Descriptor file_;
   std::string name_;      // the temporary one
   bool hasName_ = false;  // the draft stands under name_
+  bool isAnonymous_ = false;
 };
 
 // False when the file system has no anonymous files.
@@ -210,6 +212,7 @@ bool Draft::openAnonymous(mode_t mode) {
     place_.fail(errno);
   }
   abilities_.locks = abilities_.locks && lockExclusively(file_);
+  isAnonymous_ = true;
   return true;
 }
 
@@ -228,12 +231,13 @@ void Draft::openNamed(mode_t mode) {
 
 // Runs `attempt`, which gives an errno, with one name after another for as long as it gives EEXIST.
 int Draft::takeName(const std::function<int()>& attempt) {
-  name_ = abilities_.locks ? temporaryName(place_.name) : uniqueTemporaryName();
+  const bool mayShare = abilities_.locks || isAnonymous_;
+  name_ = mayShare ? temporaryName(place_.name) : uniqueTemporaryName();
   for (;;) {
     const int code = attempt();
     hasName_ = code == 0;
     if (code != EEXIST) return code;
-    if (!abilities_.locks || !clearName()) name_ = uniqueTemporaryName();
+    if (!clearName()) name_ = uniqueTemporaryName();
   }
 }
 
@@ -256,7 +260,7 @@ bool Draft::clearName() const {
                   O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
   }));
   if (!other) return errno == ENOENT;
-  if (!lockExclusively(other)) return false;
+  if (abilities_.locks ? !lockExclusively(other) : !isAnonymous_) return false;
   if (!stands(name_, other)) return true;
   return unlinkat(place_.folder.get(), name_.c_str(), 0) == 0;
 }
@@ -325,9 +329,16 @@ Draft::Outcome Draft::replace() {
     if (code != 0) place_.fail(code);
   }
   const int folder = place_.folder.get();
-  if (renameat(folder, name_.c_str(), folder, place_.name.c_str()) != 0) place_.fail(errno);
+  const bool isRenamed = renameat(folder, name_.c_str(), folder, place_.name.c_str()) == 0;
+  const int code = errno;
+  if (isRenamed) {
+    hasName_ = false;
+    return Outcome::done;
+  }
+  if (code != ENOENT || !isAnonymous_) place_.fail(code);
+  // Another writer without locks took the name, and perhaps gave the draft its place.
   hasName_ = false;
-  return Outcome::done;
+  return stands(place_.name, file_) ? Outcome::done : Outcome::needsName;
 }
 
 Draft::Outcome Draft::publish() {
