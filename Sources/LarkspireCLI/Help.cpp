@@ -141,7 +141,8 @@ std::string usageLine(const CommandPath& path) {
     line += command.defaultSubcommand.empty() ? " " + word : " [" + word + "]";
   }
   const std::unique_ptr<Command> made = makeCommand(command);
-  for (const Argument& argument : argumentsOf(*made).entries()) {
+  const ArgumentList arguments = argumentsOf(*made);
+  for (const Argument& argument : arguments.entries()) {
     const std::string value = "<" + std::string(argument.valueName) + ">";
     if (argument.kind == Argument::Kind::positional) {
       line += argument.required ? " " + value : " [" + value + "]";

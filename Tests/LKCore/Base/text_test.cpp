@@ -14,8 +14,8 @@ struct Named {
 };
 
 template <typename Case>
-std::string caseName(const testing::TestParamInfo<Case>& info) {
-  return info.param.name;
+std::string caseName(const testing::TestParamInfo<Case>& row) {
+  return row.param.name;
 }
 
 struct ValidityCase : Named {

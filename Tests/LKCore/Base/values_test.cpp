@@ -113,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
                     DateCase{"hour_24", "2023-02-28T24:00:00Z", std::nullopt},
                     DateCase{"rest", "2023-02-28T00:00:00Zx", std::nullopt},
                     DateCase{"empty_fraction", "2023-02-28T00:00:00.Z", std::nullopt}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST(ISODates, WriteWhatTheyRead) {
   for (const char* text :

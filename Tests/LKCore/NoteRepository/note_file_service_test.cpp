@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
                     IndentationCase{"crlf", "a\r\n    b\r\n", "a\n\tb\n"},
                     IndentationCase{"lone_cr", "a\rb\r\r\n", "a\nb\n\n"},
                     IndentationCase{"in_a_fence_too", "```\n    x\n```", "```\n\tx\n```"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST(CreateNote, WritesABlockThatIsTrueToTheBody) {
   const test::TempFolder folder;

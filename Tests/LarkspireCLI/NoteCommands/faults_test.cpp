@@ -56,7 +56,7 @@ class Faults : public testing::Test {
 
 TEST_F(Faults, TwoProcessesThatAppendLoseNoLine) {
   ASSERT_EQ(lk({"create", "Log", "--content", "start"}).status, 0);
-  constexpr int kAppends = 100;
+  constexpr int kAppends = 40;
   std::vector<std::thread> writers;
   for (const char* name : {"a", "b"}) {
     writers.emplace_back([this, name] {
@@ -159,7 +159,7 @@ TEST_F(Faults, AVanishedCollectionIsNotFound) {
 }
 
 TEST_F(Faults, AClosedPipeEndsQuietly) {
-  ASSERT_EQ(lk({"create", "Long", "--content", std::string(200'000, 'x')}).status, 0);
+  ASSERT_EQ(lk({"create", "Long", "--content", std::string(120'000, 'x')}).status, 0);
   const std::string tool = std::string("'") + LK_TOOL_PATH + "'";
   const ProcessResult result =
       sandbox.run("/bin/sh", {"-c", tool + " show Long --collection Notes | head -c 10"});

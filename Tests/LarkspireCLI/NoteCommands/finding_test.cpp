@@ -115,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, StandardInput,
                                          InputCase{"a_file", "<file.txt", "from a file\n"},
                                          InputCase{"text_option_wins", "--append a <file.txt",
                                                    "old\n\na\n"}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return row.param.name; });
 
 struct EditCase {
   std::string name;
@@ -162,7 +162,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "# H\n\np\n\nz\n"},
         EditCase{"a_value_that_looks_like_an_option", "old", {"--content", "--json"}, "--json"},
         EditCase{"braces", "old", {"--content", "{}"}, "{}"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 }  // namespace
 }  // namespace lk

@@ -85,8 +85,8 @@ TEST_P(Transcripts, ReadAsWritten) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sessions, Transcripts, testing::ValuesIn(transcripts()),
-                         [](const testing::TestParamInfo<fs::path>& info) {
-                           return text::replacingAll(info.param.stem().string(), "-", "_");
+                         [](const testing::TestParamInfo<fs::path>& row) {
+                           return text::replacingAll(row.param.stem().string(), "-", "_");
                          });
 
 }  // namespace
