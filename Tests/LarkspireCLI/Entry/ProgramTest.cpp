@@ -37,6 +37,29 @@ TEST(Program, answersOnTheRightStreamWithTheRightStatus) {
   EXPECT_EQ(wrong.status, 64);
 }
 
+TEST(Program, reportsFailuresAsTextOrJSON) {
+  const Sandbox sandbox;
+  std::filesystem::create_directory(sandbox.home() / "Notes");
+  const std::string folder = (sandbox.home() / "Notes").string();
+  const ProcessResult text = sandbox.lk({"show", "Missing", "--collection", folder});
+  EXPECT_EQ(text.err,
+            "Error: Note \"Missing\" not found.\n"
+            "  Hint: Use `lk list` to see all notes, or `lk search` to search.\n");
+  EXPECT_EQ(text.status, 2);
+  const ProcessResult json = sandbox.lk({"--json", "show", "Missing", "--collection", folder});
+  EXPECT_EQ(json.out, "");
+  EXPECT_EQ(json.err, R"({
+  "error" : "note_not_found",
+  "message" : "Note \"Missing\" not found.\n  Hint: Use `lk list` to see all notes, or `lk search` to search."
+}
+)");
+  EXPECT_EQ(json.status, 2);
+  // The raw words decide, so a title that reads "--json" does too.
+  const ProcessResult title = sandbox.lk({"show", "--collection", folder, "--", "--json"});
+  EXPECT_EQ(title.err.substr(0, 33), "{\n  \"error\" : \"note_not_found\",\n");
+  EXPECT_NE(title.err.find("\"Note \\\"--json\\\" not found."), std::string::npos);
+}
+
 TEST(Program, endsQuietlyWhenItsReaderIsGone) {
   const Sandbox sandbox;
   const ProcessResult byDefault = shell(sandbox, "\"$LK\" help | head -1 >/dev/null");
@@ -113,11 +136,30 @@ const CompletionCase completions[] = {
 INSTANTIATE_TEST_SUITE_P(words, BashCompletion, testing::ValuesIn(completions),
                          [](const auto& info) { return std::string(info.param.name); });
 
+TEST(FishCompletion, offersWhatFits) {
+  const Sandbox sandbox;
+  if (sandbox.run("fish", {"--version"}).status == 127) GTEST_SKIP() << "fish isn't installed";
+  const auto offered = [&](const std::string& line) {
+    const std::string load = "\"$LK\" --generate-completion-script fish | source; ";
+    return sandbox
+        .run("fish", {"-c", load + "complete -C '" + line + "'"},
+             {.environment = {{"LK", LK_TOOL_PATH}}})
+        .out;
+  };
+  EXPECT_EQ(offered("lk tag"), "tags\tList tags, find notes by tag, and rename tags.\n");
+  EXPECT_EQ(offered("lk tasks --due-to"),
+            "--due-today\tShow tasks due today.\n--due-tomorrow\tShow tasks due tomorrow.\n");
+  EXPECT_EQ(offered("lk tasks add --note set --st"),
+            "--status\tInitial status (not-started, in-progress). Default: not-started.\n");
+  EXPECT_EQ(offered("lk --collection x restor"), "restore\tRestore a note from the trash.\n");
+}
+
 TEST(CompletionScripts, areRightInTheEyesOfTheirShell) {
   const Sandbox sandbox;
   for (const std::string name : {"bash", "zsh", "fish"}) {
     const ProcessResult script = sandbox.lk({"--generate-completion-script", name});
     ASSERT_EQ(script.status, 0) << name;
+    ASSERT_NE(script.out.find("unarchive"), std::string::npos) << name;
     test::writeWhole(sandbox.home() / name, script.out);
     const ProcessResult check = sandbox.run(name, {"-n", (sandbox.home() / name).string()});
     if (check.status == 127) continue;  // this shell isn't installed
