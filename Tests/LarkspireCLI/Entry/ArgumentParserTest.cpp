@@ -71,8 +71,8 @@ TEST_P(ArgumentWords, reachTheFieldsUnchanged) {
   EXPECT_EQ(parsed(GetParam().words), GetParam().result);
 }
 
-std::string caseName(const testing::TestParamInfo<Case>& info) {
-  return info.param.name;
+std::string caseName(const testing::TestParamInfo<Case>& row) {
+  return row.param.name;
 }
 
 const Case orderCases[] = {

@@ -60,8 +60,8 @@ TEST_P(CommandLines, areUnderstood) {
   EXPECT_EQ(outcome(GetParam().words), GetParam().outcome);
 }
 
-std::string caseName(const testing::TestParamInfo<Case>& info) {
-  return info.param.name;
+std::string caseName(const testing::TestParamInfo<Case>& row) {
+  return row.param.name;
 }
 
 const Case routes[] = {

@@ -134,7 +134,7 @@ const CompletionCase completions[] = {
     {"shell", {"--generate-completion-script", "z"}, "zsh"},
 };
 INSTANTIATE_TEST_SUITE_P(words, BashCompletion, testing::ValuesIn(completions),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(FishCompletion, offersWhatFits) {
   const Sandbox sandbox;
