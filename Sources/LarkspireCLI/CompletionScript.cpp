@@ -267,7 +267,7 @@ std::string fishScript() {
       if (!argument.shortName.empty()) rules += " -s " + std::string(argument.shortName.substr(1));
       if (argument.takesValue()) {
         valued += " " + fishQuoted(place.words + " " + std::string(argument.name));
-        rules += " -r" + values;
+        rules += (offersFiles(argument) ? " -r" : " -x") + values;
       }
       rules += " -d " + fishQuoted(argument.help) + "\n";
     }

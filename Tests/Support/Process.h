@@ -17,9 +17,9 @@ struct ProcessResult {
 };
 
 struct ProcessOptions {
-  std::string input;                               // what standard input holds
-  std::map<std::string, std::string> environment;  // added to the sandbox's own
-  std::filesystem::path folder;                    // the working folder; the home when empty
+  std::string input = {};                               // what standard input holds
+  std::map<std::string, std::string> environment = {};  // added to the sandbox's own
+  std::filesystem::path folder = {};                    // the working folder; the home when empty
 };
 
 // Programs that run as on a machine of their own: a fresh home, the XDG folders inside it, UTC,

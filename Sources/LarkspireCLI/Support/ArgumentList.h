@@ -24,6 +24,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -82,7 +83,9 @@ class ArgumentList {
   }
   Argument& flag(std::string_view name, bool& field, std::string_view help);
 
-  const std::vector<Argument>& entries() const { return entries_; }
+  const std::vector<Argument>& entries() const& { return entries_; }
+  // By value from a list that is about to go, so that a loop over it is safe.
+  std::vector<Argument> entries() && { return std::move(entries_); }
   // The option or flag of that name or short name; null when there is none.
   const Argument* find(std::string_view name) const;
 

@@ -56,7 +56,7 @@ TEST(Program, reportsFailuresAsTextOrJSON) {
   EXPECT_EQ(json.status, 2);
   // The raw words decide, so a title that reads "--json" does too.
   const ProcessResult title = sandbox.lk({"show", "--collection", folder, "--", "--json"});
-  EXPECT_EQ(title.err.substr(0, 33), "{\n  \"error\" : \"note_not_found\",\n");
+  EXPECT_EQ(title.err.substr(0, 32), "{\n  \"error\" : \"note_not_found\",\n");
   EXPECT_NE(title.err.find("\"Note \\\"--json\\\" not found."), std::string::npos);
 }
 
@@ -122,7 +122,7 @@ const CompletionCase completions[] = {
     {"command", {"ta"}, "tags|tasks"},
     {"subcommand", {"tasks", "re"}, "remove|reset"},
     {"option", {"show", "--b"}, "--body|--backlinks"},
-    {"option_of_default", {"tasks", "--due-t"}, "--due-today|--due-tomorrow"},
+    {"option_of_default", {"tasks", "--due-to"}, "--due-today|--due-tomorrow"},
     {"option_after_value", {"tasks", "add", "--note", "set", "--st"}, "--status"},
     {"words", {"list", "--sort", ""}, "modified|created|title|size"},
     {"words_after_equals", {"list", "--sort", "=", "ti"}, "title"},
@@ -151,6 +151,7 @@ TEST(FishCompletion, offersWhatFits) {
             "--due-today\tShow tasks due today.\n--due-tomorrow\tShow tasks due tomorrow.\n");
   EXPECT_EQ(offered("lk tasks add --note set --st"),
             "--status\tInitial status (not-started, in-progress). Default: not-started.\n");
+  EXPECT_EQ(offered("lk tasks add x --priority "), "high\nlow\nmedium\n");
   EXPECT_EQ(offered("lk --collection x restor"), "restore\tRestore a note from the trash.\n");
 }
 
