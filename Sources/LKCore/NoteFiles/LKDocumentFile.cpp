@@ -146,24 +146,22 @@ void LKDocumentFile::write(const fs::path& url, bool preserveMtime) const {
   }
 }
 
+// The work of both is a named object with its own copies: it goes on when whoever awaits it is
+// gone, and g++ 12 frees what a closure holds twice when the closure is a temporary of `co_await`.
+
 asio::awaitable<LKDocumentFile> LKDocumentFile::parseAsync(fs::path url) {
-  co_return co_await asio::co_spawn(
-      backgroundPool(),
-      [url = std::move(url)]() -> asio::awaitable<LKDocumentFile> { co_return parse(url); },
-      asio::use_awaitable);
+  auto work = [url]() -> asio::awaitable<LKDocumentFile> { co_return parse(url); };
+  co_return co_await asio::co_spawn(backgroundPool(), std::move(work), asio::use_awaitable);
 }
 
 asio::awaitable<void> LKDocumentFile::writeAsync(LKDocumentFile document, fs::path url,
                                                  bool preserveMtime) {
-  // The work keeps its own copy: it goes on when whoever awaits it is gone.
-  co_await asio::co_spawn(
-      backgroundPool(),
-      [document = std::move(document), url = std::move(url),
-       preserveMtime]() -> asio::awaitable<void> {
-        document.write(url, preserveMtime);
-        co_return;
-      },
-      asio::use_awaitable);
+  auto work = [document = std::move(document), url = std::move(url),
+               preserveMtime]() -> asio::awaitable<void> {
+    document.write(url, preserveMtime);
+    co_return;
+  };
+  co_await asio::co_spawn(backgroundPool(), std::move(work), asio::use_awaitable);
 }
 
 }  // namespace lk

@@ -141,10 +141,11 @@ void CollectionSwitchCommand::run() {
     return;
   }
   if (!reference) throw CLIError::general("Provide a collection name, UUID, or path — or --clear.");
-  const auto row = findCollectionRow(*reference);
+  auto row = findCollectionRow(*reference);
   tellRegistryWarnings(options.quiet);
   if (!row) throw notFound(*reference);
   save([&] { CLIActiveCollection::set(row->id, row->path); });
+  row->isActive = true;
   printLine(options.json ? collectionRowJson(*row, "switched")
                          : "Switched the CLI's active collection to " + inQuotes(row->name) + " (" +
                                row->path.string() + ").");
