@@ -14,8 +14,9 @@
 //           as file endings (md, sh, py, rs, pl ...) are not known here: "notes.md" is no link.
 //           A port and a tail that begins with "/", "?" or "#" may follow.
 //   tail    runs to whitespace, a control character, a non-ASCII punctuation mark or one of
-//           < > " ` { } | \ ^. A bracket belongs to it only together with its partner, and
-//           . , ; : ! ? ' * _ ~ do not end it: they belong to the sentence around.
+//           < > " ` { } | \ ^. A round or square bracket belongs to it only together with its
+//           partner and with none of its kind in between; . , ; : ! ? ' * _ ~ do not end it:
+//           they belong to the sentence around.
 // Time is linear in the text.
 
 #include <optional>
