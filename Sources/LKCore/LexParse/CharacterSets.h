@@ -19,9 +19,10 @@ constexpr std::string_view kDelimiters = "`~*:[#(!=@";
 // and need a look at what follows.
 enum ByteTrait : uint8_t {
   kDelimiterByte = 1,
-  kLineEndByte = 2,   // ends a line, or is a lead byte that may
-  kTextStopByte = 4,  // plain text may end here: the two above and "<"
-  kTagByte = 8,       // ASCII letters, digits, "-" and "/"
+  kLineEndByte = 2,    // ends a line, or is a lead byte that may
+  kTextStopByte = 4,   // plain text may end here: the two above and "<"
+  kTagByte = 8,        // ASCII letters, digits, "-" and "/"
+  kTaskStopByte = 16,  // as kTextStopByte on a task line, where the space before a word counts too
 };
 
 namespace detail {
@@ -31,9 +32,13 @@ constexpr std::array<uint8_t, 256> byteTraits() {
     traits[byte] = static_cast<uint8_t>(traits[byte] | trait);
   };
   for (const char c : kDelimiters) add(static_cast<unsigned char>(c), kDelimiterByte);
-  for (const unsigned char c : {0x0A, 0x0B, 0x0C, 0x0D, 0xC2, 0xE2}) add(c, kLineEndByte);
+  for (const unsigned c : {0x0AU, 0x0BU, 0x0CU, 0x0DU, 0xC2U, 0xE2U}) {
+    add(static_cast<unsigned char>(c), kLineEndByte);
+  }
   for (unsigned c = 0; c < 256; ++c) {
-    if (traits[c] != 0 || c == '<') add(static_cast<unsigned char>(c), kTextStopByte);
+    const bool stops = traits[c] != 0 || c == '<';
+    if (stops) add(static_cast<unsigned char>(c), kTextStopByte);
+    if (stops || c == ' ') add(static_cast<unsigned char>(c), kTaskStopByte);
     const bool tagged = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
                         (c >= 'A' && c <= 'Z') || c == '-' || c == '/';
     if (tagged) add(static_cast<unsigned char>(c), kTagByte);
@@ -64,7 +69,12 @@ inline size_t terminatorLength(std::string_view text, size_t at) {
 }
 
 // The byte offset of the first line end at or after `from`, or the text's size.
-size_t lineEnd(std::string_view text, size_t from);
+inline size_t lineEnd(std::string_view text, size_t from) {
+  for (size_t at = from;; ++at) {
+    while (at < text.size() && !hasTrait(text[at], kLineEndByte)) ++at;
+    if (at >= text.size() || terminatorLength(text, at) != 0) return at;
+  }
+}
 
 // Letters and marks, decimal digits, "-" and "/".
 inline bool isTagCharacter(char32_t scalar) {

@@ -12,6 +12,8 @@
 // is linear in the text.
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "LKCore/LexParse/LexScanner.h"
@@ -28,22 +30,27 @@ class ParagraphLexer {
   PToken nextToken();
 
  private:
+  struct FittingNumber {
+    size_t start = 0;  // byte where it begins
+    int64_t value = 0;
+  };
+  static FittingNumber fittingNumber(std::string_view text, const TextRange& digits);
+
   PToken scanToken();
   PToken scanToLineEnd();
-  bool scanCommentLine(PToken& token);
-  bool scanLineStart(PToken& token);
-  bool scanBlockQuote(PToken& token);
-  bool scanFootnoteDefinition(PToken& token);
-  bool scanFence(PToken& token);
-  bool scanOrdered(PToken& token);
-  bool scanHash(PToken& token);
-  bool scanDash(PToken& token);
-  bool scanCheckbox(PToken& token);
-  bool scanRule(PToken& token, char marker);
+  std::optional<PToken> scanCommentLine();
+  std::optional<PToken> scanLineStart();
+  std::optional<PToken> scanBlockQuote();
+  std::optional<PToken> scanFootnoteDefinition();
+  std::optional<PToken> scanFence();
+  std::optional<PToken> scanOrdered();
+  std::optional<PToken> scanHash();
+  std::optional<PToken> scanDash();
+  std::optional<PToken> scanCheckbox();
+  std::optional<PToken> scanRule(char marker);
   size_t ruleLength(char marker) const;
   size_t currentLineEnd();
-
-  bool accept(PToken& token, PTokenKind kind, size_t bytes, int64_t number = 0);
+  PToken take(PTokenKind kind, size_t bytes, int64_t number = 0);
 
   LexScanner scanner_;
   bool startLine_ = true;
