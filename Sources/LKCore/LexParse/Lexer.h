@@ -49,8 +49,10 @@ class Lexer {
   LToken scanAdmonition(std::string_view marks);
   LToken scanCodeBlock();
   LToken scanInline();
+  LToken scanLineEnd(size_t length);
   LToken scanSpecial(char special);
   LToken scanText(size_t include);
+  size_t textEnd(size_t from) const;
   LToken scanTag();
   LToken scanDateRef();
   LToken scanSquareBracket();
@@ -66,19 +68,19 @@ class Lexer {
   LToken scanDoubled(TextStyle style);
 
   LToken stringOf(size_t bytes);
-  LToken mark(LTokenKind kind, size_t bytes, std::string_view text = {});
-  LToken openOrNone(TextStyle style, size_t searchFrom, size_t bytes);
-  bool isOpen(TextStyle style) const;
-  LToken close(TextStyle style);
+  LToken mark(LTokenKind kind, size_t bytes, std::string_view payload = {});
+  LToken closeStyle(TextStyle style);
+  LToken openStyle(TextStyle style, size_t searchFrom);
 
   std::string_view text() const { return scanner_.text(); }
   size_t index() const { return scanner_.index(); }
   std::string_view slice(size_t start, size_t end) const;
+  bool isAfterBlank() const;
+  bool opensTag() const;
   size_t tagRunEnd(size_t from) const;
   bool endsTag(size_t at) const;
   bool isAtWordStart(size_t at) const;
   bool opensTaskMeta(size_t at) const;
-  bool isTaskMetaScalar() const;
   size_t currentLineEnd();
   size_t find(LineFinder& finder, size_t from);
 
