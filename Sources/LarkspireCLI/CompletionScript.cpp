@@ -44,7 +44,7 @@ void visitTree(const Visitor& visitor) {
 }
 
 // A text as one literal word of bash and zsh.
-std::string quoted(std::string_view text) {
+std::string shellWord(std::string_view text) {
   return "'" + text::replacingAll(text, "'", "'\\''") + "'";
 }
 
@@ -135,11 +135,13 @@ std::string bashScript() {
       if (argument.takesValue()) valued.push_back(name);
       const std::string offered = bashValues(argument);
       if (offered.empty()) continue;
-      values += "    " + quoted(place.words + " " + name) + ") values=" + quoted(offered) + " ;;\n";
+      values +=
+          "    " + shellWord(place.words + " " + name) + ") values=" + shellWord(offered) + " ;;\n";
     }
-    places += "    " + quoted(place.words) + ")\n      subcommands=" + quoted(joined(subcommands)) +
-              "\n      options=" + quoted(joined(options)) +
-              "\n      valued=" + quoted(joined(valued)) + " ;;\n";
+    places += "    " + shellWord(place.words) +
+              ")\n      subcommands=" + shellWord(joined(subcommands)) +
+              "\n      options=" + shellWord(joined(options)) +
+              "\n      valued=" + shellWord(joined(valued)) + " ;;\n";
   });
   return std::string(bashHead) + "_lk_place() {\n  case $1 in\n" + places +
          "  esac\n}\n\n# The words for a place and option, or :file, or :folder.\n_lk_values() "
@@ -186,7 +188,7 @@ std::string zshFunction(const Place& place) {
     text += "  local -a subcommands=(\n";
     for (const CommandConfiguration& command : place.configuration.subcommands) {
       const std::string entry(command.commandName);
-      text += "    " + quoted(entry + ":" + zshText(command.abstract)) + "\n";
+      text += "    " + shellWord(entry + ":" + zshText(command.abstract)) + "\n";
     }
     text += "  )\n";
   }
@@ -194,7 +196,7 @@ std::string zshFunction(const Place& place) {
   size_t position = 0;
   for (const Argument& argument : place.arguments) {
     if (group && argument.kind == Kind::positional) continue;
-    text += " \\\n    " + quoted(zshSpecification(argument, position));
+    text += " \\\n    " + shellWord(zshSpecification(argument, position));
   }
   if (!group) return text + "\n}\n\n";
   text += " \\\n    '1: :->subcommand' \\\n    '*:: :->rest'\n";
