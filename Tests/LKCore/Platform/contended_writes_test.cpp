@@ -69,7 +69,7 @@ TEST_P(Contended, AKilledWriterLeavesTheOldFileOrTheNewOne) {
   const fs::path file = folder / "Plan.md";
   std::mt19937 random(20260314);
   std::uniform_int_distribution<useconds_t> moment(0, 4000);
-  const int kills = isReal() ? 300 : 60;
+  const int kills = isReal() ? 300 : 20;
   replaceFile(file, version(false), abilities());
   for (int i = 0; i < kills; ++i) {
     Child writer([&]() -> std::string {
