@@ -10,6 +10,12 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(LK_WERROR)
   add_compile_options(-Werror)
 endif()
+# clang before 17 has the coroutines of C++20 but does not say so, and the headers go by what it says.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 17)
+  add_compile_definitions(__cpp_impl_coroutine=201902L ASIO_HAS_CO_AWAIT=1
+                          ASIO_HAS_STD_COROUTINE=1)
+  add_compile_options(-Wno-builtin-macro-redefined)
+endif()
 if(LK_SANITIZE)
   add_compile_options(-fsanitize=${LK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${LK_SANITIZE})
