@@ -94,7 +94,9 @@ class ISODates : public testing::TestWithParam<DateCase> {};
 TEST_P(ISODates, AreReadWithTimeAndZoneOnly) {
   const auto instant = parseISO8601(GetParam().text);
   ASSERT_EQ(instant.has_value(), GetParam().seconds.has_value());
-  if (instant) EXPECT_EQ(instant->seconds, *GetParam().seconds);
+  if (instant) {
+    EXPECT_EQ(instant->seconds, *GetParam().seconds);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -163,7 +163,9 @@ TEST(Corpus, IsReadAlikeByBothLexersButForTheToldDifferences) {
       }
     }
   });
-  if (std::getenv("LARKSPIRE_CORPUS") != nullptr) EXPECT_GT(alike, 1000U);
+  if (std::getenv("LARKSPIRE_CORPUS") != nullptr) {
+    EXPECT_GT(alike, 1000U);
+  }
 }
 
 // --- Time --------------------------------------------------------------------------------------
@@ -182,16 +184,15 @@ double seconds(std::string_view unit, size_t bytes) {
   while (text.size() < bytes) text += unit;
   double best = 1e9;
   for (int round = 0; round < 2; ++round) {
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();  // of this process alone, however busy the machine
     EXPECT_GT(work(text), 0U);
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    best = std::min(best, took.count());
+    best = std::min(best, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
   }
   return best;
 }
 
 TEST(HostileText, TakesTimeInProportionToItsLength) {
-  constexpr size_t kBytes = 512 * 1024;
+  constexpr size_t kBytes = 64 * 1024;
   for (const std::string_view unit : {"*",
                                       "**a ",
                                       "*a ",
