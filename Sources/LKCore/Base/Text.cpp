@@ -116,7 +116,11 @@ std::string asciiMapped(std::string_view text, char first, char last, int shift)
 const icu::Collator& listCollator() {
   static const std::unique_ptr<icu::Collator> collator = [] {
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(status));
+    // Without a language (LC_ALL=C), ICU would put every capital before every small letter.
+    const icu::Locale user = icu::Locale::getDefault();
+    const bool hasLanguage = std::string_view(user.getVariant()) != "POSIX";
+    std::unique_ptr<icu::Collator> made(
+        icu::Collator::createInstance(hasLanguage ? user : icu::Locale::getRoot(), status));
     if (U_FAILURE(status) || !made) {
       status = U_ZERO_ERROR;
       made.reset(icu::Collator::createInstance(icu::Locale::getRoot(), status));
