@@ -1,7 +1,9 @@
 #include "LKCore/Platform/FolderWalk.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -87,9 +89,18 @@ TEST(FolderWalk, StopsWhenTold) {
 TEST(FolderWalk, GoesDeepWithoutHoldingEveryFolderOpen) {
   const TempFolder root;
   std::string deep;
-  for (int i = 0; i < 1500; ++i) deep += "d/";
-  fs::create_directories(root / deep);
-  writeWhole(root / (deep + "n.md"), "");
+  int folder = open(root.path().c_str(), O_RDONLY | O_DIRECTORY);
+  for (int i = 0; i < 1500; ++i) {
+    ASSERT_EQ(mkdirat(folder, "d", 0755), 0);
+    const int next = openat(folder, "d", O_RDONLY | O_DIRECTORY);
+    close(folder);
+    folder = next;
+    deep += "d/";
+  }
+  const int file = openat(folder, "n.md", O_CREAT | O_WRONLY, 0644);
+  ASSERT_GE(file, 0);
+  close(file);
+  close(folder);
   EXPECT_EQ(list(root.path()).files, Names{deep + "n.md"});
 }
 

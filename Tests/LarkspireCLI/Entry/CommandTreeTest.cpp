@@ -331,7 +331,7 @@ TEST(CommandTree, givesEveryLeafTheGlobalOptions) {
 }
 
 TEST(Help, staysWithinTheTerminalsWidth) {
-  for (const size_t width : {size_t{50}, size_t{80}, size_t{100}}) {
+  for (const size_t width : {size_t{60}, size_t{80}, size_t{100}}) {
     visit({&LK::configuration()}, [&](const CommandPath& path) {
       const std::string help = helpText(path, Terminal{.width = width});
       for (const std::string_view line : text::split(help, '\n')) {
@@ -374,7 +374,8 @@ Global options:
 TEST(Help, tellsADefaultThatTheTextLeavesOut) {
   const CommandConfiguration& root = LK::configuration();
   const auto has = [&](const char* command, std::string_view part) {
-    return helpText({&root, root.subcommand(command)}, Terminal{}).find(part) != std::string::npos;
+    return helpText({&root, root.subcommand(command)}, Terminal{.width = 200}).find(part) !=
+           std::string::npos;
   };
   EXPECT_TRUE(has("list", "Sort by: modified, created, title, size. (default: modified)"));
   EXPECT_TRUE(has("search", "(default: 0)"));
