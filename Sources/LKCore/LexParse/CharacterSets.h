@@ -15,6 +15,12 @@ namespace lk::lexing {
 // The ten characters that may begin an inline mark.
 constexpr std::string_view kDelimiters = "`~*:[#(!=@";
 
+// The characters that begin or end what hides style marks: images, links, code, URLs.
+constexpr std::string_view kHiding = "`()[]!";
+
+// The characters that may begin a mark of the line's start.
+constexpr std::string_view kLineStart = "`>-*#|123456789";
+
 // What a byte of UTF-8 may mean. The lead bytes C2 and E2 stand for U+0085, U+2028 and U+2029,
 // and need a look at what follows.
 enum ByteTrait : uint8_t {
@@ -23,6 +29,8 @@ enum ByteTrait : uint8_t {
   kTextStopByte = 4,   // plain text may end here: the two above and "<"
   kTagByte = 8,        // ASCII letters, digits, "-" and "/"
   kTaskStopByte = 16,  // as kTextStopByte on a task line, where the space before a word counts too
+  kHidingByte = 32,
+  kLineStartByte = 64,
 };
 
 namespace detail {
@@ -35,6 +43,7 @@ constexpr std::array<uint8_t, 256> byteTraits() {
   for (const unsigned c : {0x0AU, 0x0BU, 0x0CU, 0x0DU, 0xC2U, 0xE2U}) {
     add(static_cast<unsigned char>(c), kLineEndByte);
   }
+  // Before the sets that say nothing about where plain text ends.
   for (unsigned c = 0; c < 256; ++c) {
     const bool stops = traits[c] != 0 || c == '<';
     if (stops) add(static_cast<unsigned char>(c), kTextStopByte);
@@ -43,14 +52,33 @@ constexpr std::array<uint8_t, 256> byteTraits() {
                         (c >= 'A' && c <= 'Z') || c == '-' || c == '/';
     if (tagged) add(static_cast<unsigned char>(c), kTagByte);
   }
+  for (const char c : kHiding) add(static_cast<unsigned char>(c), kHidingByte);
+  for (const char c : kLineStart) add(static_cast<unsigned char>(c), kLineStartByte);
   return traits;
 }
 }  // namespace detail
 
 constexpr std::array<uint8_t, 256> kByteTraits = detail::byteTraits();
 
+inline uint8_t traitsOf(char byte) {
+  return kByteTraits[static_cast<unsigned char>(byte)];
+}
+
 inline bool hasTrait(char byte, ByteTrait trait) {
-  return (kByteTraits[static_cast<unsigned char>(byte)] & trait) != 0;
+  return (traitsOf(byte) & trait) != 0;
+}
+
+// The offset of the first byte at or after `from` that has the trait, or the text's size. Most
+// stretches are longer than the four bytes of a stride.
+inline size_t skipTo(std::string_view text, size_t from, ByteTrait trait) {
+  size_t at = from;
+  for (; at + 4 <= text.size(); at += 4) {
+    const int seen = traitsOf(text[at]) | traitsOf(text[at + 1]) | traitsOf(text[at + 2]) |
+                     traitsOf(text[at + 3]);
+    if ((seen & trait) != 0) break;
+  }
+  while (at < text.size() && !hasTrait(text[at], trait)) ++at;
+  return at;
 }
 
 // True for the ten delimiters; every one is a single byte.
@@ -70,10 +98,11 @@ inline size_t terminatorLength(std::string_view text, size_t at) {
 
 // The byte offset of the first line end at or after `from`, or the text's size.
 inline size_t lineEnd(std::string_view text, size_t from) {
-  for (size_t at = from;; ++at) {
-    while (at < text.size() && !hasTrait(text[at], kLineEndByte)) ++at;
-    if (at >= text.size() || terminatorLength(text, at) != 0) return at;
+  size_t at = skipTo(text, from, kLineEndByte);
+  while (at < text.size() && terminatorLength(text, at) == 0) {
+    at = skipTo(text, at + 1, kLineEndByte);
   }
+  return at;
 }
 
 // Letters and marks, decimal digits, "-" and "/".

@@ -129,8 +129,12 @@ void CloserSearch::build(Table& table, TextStyle style, size_t base, size_t line
   HidingConstructs constructs(text_, lineEnd);
   Flanks run;
   for (size_t at = lineEnd; at-- > base;) {
-    size_t next = constructs.placeAfter(at);
     bool isMark = text_[at] == scalar;
+    if (!isMark && !lexing::hasTrait(text_[at], lexing::kHidingByte)) {
+      closer[at - base] = closer[at + 1 - base];
+      continue;
+    }
+    size_t next = constructs.placeAfter(at);
     if (isMark) {
       const bool isDouble = at + 1 < lineEnd && text_[at + 1] == scalar;
       if (isEmphasis && isDouble) next = at + 2;  // bold is no closer of emphasis

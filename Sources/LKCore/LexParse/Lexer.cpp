@@ -19,7 +19,7 @@ Lexer::Lexer(std::string_view string, std::shared_ptr<const LKProjectTermsSnapsh
 
 std::vector<LToken> Lexer::lex() {
   std::vector<LToken> tokens;
-  tokens.reserve((text().size() - index()) / 24 + 8);
+  tokens.reserve((text().size() - index()) / 12 + 8);
   do {
     tokens.push_back(nextToken());
   } while (tokens.back().kind != LTokenKind::end);
@@ -40,7 +40,7 @@ LToken Lexer::scanToken() {
   // Asked of the index, not of the scalar: a U+FFFF in the text is not its end.
   if (scanner_.isAtEnd()) return mark(LTokenKind::end, 0);
   if (!tabScanned_) return scanSpaces();
-  if (startLine_) {
+  if (startLine_ && hasTrait(text()[index()], lexing::kLineStartByte)) {
     LToken token = scanLineStart();
     if (token.kind != LTokenKind::ignore) return token;
   }
@@ -251,9 +251,9 @@ LToken Lexer::scanText(size_t include) {
 size_t Lexer::textEnd(size_t from) const {
   const std::string_view all = text();
   const auto stop = currentLineIsTask_ ? lexing::kTaskStopByte : lexing::kTextStopByte;
-  for (size_t at = from; at < all.size(); ++at) {
+  for (size_t at = lexing::skipTo(all, from, stop); at < all.size();
+       at = lexing::skipTo(all, at + 1, stop)) {
     const char c = all[at];
-    if (!hasTrait(c, stop)) continue;
     if (lexing::isDelimiter(c) || terminatorLength(all, at) != 0) return at;
     if (c == '<' && all.substr(at).starts_with("<!-")) return at;
     if (c == ' ' && opensTaskMeta(at + 1)) return at + 1;
