@@ -9,8 +9,6 @@ namespace lk {
 
 namespace {
 
-using Kind = Argument::Kind;
-
 // One point that a command line can have reached: the words so far and what may come next. A group
 // with a default subcommand takes what that one takes.
 struct Place {
@@ -48,8 +46,8 @@ std::string shellWord(std::string_view text) {
   return "'" + text::replacingAll(text, "'", "'\\''") + "'";
 }
 
-template <typename Words>
-std::string joined(const Words& words) {
+template <typename Range>
+std::string joined(const Range& words) {
   std::string result;
   for (const auto& word : words) {
     if (!result.empty()) result += ' ';
@@ -129,7 +127,7 @@ std::string bashScript() {
       subcommands.emplace_back(command.commandName);
     }
     for (const Argument& argument : place.arguments) {
-      const bool positional = argument.kind == Kind::positional;
+      const bool positional = argument.kind == Argument::Kind::positional;
       const std::string name = positional ? "" : std::string(argument.name);
       if (!positional) options.push_back(name);
       if (argument.takesValue()) valued.push_back(name);
@@ -169,7 +167,7 @@ std::string zshAction(const Argument& argument) {
 
 std::string zshSpecification(const Argument& argument, size_t& position) {
   const std::string value = zshText(argument.valueName) + ":" + zshAction(argument);
-  if (argument.kind == Kind::positional) {
+  if (argument.kind == Argument::Kind::positional) {
     return std::to_string(++position) + ":" + value;
   }
   std::string specification = argument.isRepeatable() ? "*" : "";
@@ -195,7 +193,7 @@ std::string zshFunction(const Place& place) {
   text += group ? "  _arguments -C" : "  _arguments";
   size_t position = 0;
   for (const Argument& argument : place.arguments) {
-    if (group && argument.kind == Kind::positional) continue;
+    if (group && argument.kind == Argument::Kind::positional) continue;
     text += " \\\n    " + shellWord(zshSpecification(argument, position));
   }
   if (!group) return text + "\n}\n\n";
@@ -261,7 +259,7 @@ std::string fishScript() {
       if (offersFiles(argument)) values = " -F";
       if (offersFolders(argument)) values = " -a '(__fish_complete_directories)'";
       if (!argument.choices.empty()) values = " -a " + fishQuoted(joined(argument.choices));
-      if (argument.kind == Kind::positional) {
+      if (argument.kind == Argument::Kind::positional) {
         if (!values.empty()) rules += rule + values + "\n";
         continue;
       }

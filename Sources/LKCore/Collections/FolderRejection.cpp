@@ -63,9 +63,9 @@ constexpr auto kExecutableExtensions =
     std::to_array<std::string_view>({"", "dylib", "so", "o", "a", "exe", "app", "framework"});
 
 // A folder by its two names, to be compared with folders that may be links themselves.
-class Place {
+class Candidate {
  public:
-  explicit Place(const fs::path& path) : given_(tidy(path)), resolved_(resolved(path)) {}
+  explicit Candidate(const fs::path& path) : given_(tidy(path)), resolved_(resolved(path)) {}
 
   bool is(const fs::path& folder) const { return given_ == folder || resolved_ == folder; }
   bool isResolved(const fs::path& folder) const { return is(folder) || is(resolved(folder)); }
@@ -84,7 +84,7 @@ class Place {
 };
 
 std::optional<FolderRejection> unfitPlace(const fs::path& path) {
-  const Place place(path);
+  const Candidate place(path);
   const fs::path home = directories::home();
   const auto is = [&](std::string_view folder) { return place.is(folder); };
   const auto isInHome = [&](std::string_view name) { return place.isResolved(home / name); };

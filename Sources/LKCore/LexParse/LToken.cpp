@@ -17,10 +17,10 @@ struct KindText {
   std::string_view after;
 };
 
-constexpr size_t kKindCount = static_cast<size_t>(LTokenKind::ignore) + 1;
+constexpr size_t kTokenKindCount = static_cast<size_t>(LTokenKind::ignore) + 1;
 
 // In the order of LTokenKind.
-constexpr std::array<KindText, kKindCount> kKinds = {{
+constexpr std::array<KindText, kTokenKindCount> kKinds = {{
     {"tabLevel", "", ""},
     {"string", "", ""},
     {"heading", "", ""},

@@ -10,27 +10,27 @@ namespace lk {
 
 namespace {
 
-constexpr size_t kKindCount = static_cast<size_t>(PTokenKind::htmlCommentClose) + 1;
+constexpr size_t kParagraphTokenKindCount = static_cast<size_t>(PTokenKind::htmlCommentClose) + 1;
 
 // In the order of PTokenKind.
-constexpr std::array<std::string_view, kKindCount> kNames = {"tabLevel",
-                                                             "heading",
-                                                             "ordered",
-                                                             "task",
-                                                             "doneTask",
-                                                             "inProgressTask",
-                                                             "cancelledTask",
-                                                             "unordered",
-                                                             "eol",
-                                                             "end",
-                                                             "ignore",
-                                                             "blockQuote",
-                                                             "codeBlockFence",
-                                                             "tableRow",
-                                                             "horizontalRule",
-                                                             "footnoteDefinition",
-                                                             "htmlCommentOpen",
-                                                             "htmlCommentClose"};
+constexpr std::array<std::string_view, kParagraphTokenKindCount> kNames = {"tabLevel",
+                                                                           "heading",
+                                                                           "ordered",
+                                                                           "task",
+                                                                           "doneTask",
+                                                                           "inProgressTask",
+                                                                           "cancelledTask",
+                                                                           "unordered",
+                                                                           "eol",
+                                                                           "end",
+                                                                           "ignore",
+                                                                           "blockQuote",
+                                                                           "codeBlockFence",
+                                                                           "tableRow",
+                                                                           "horizontalRule",
+                                                                           "footnoteDefinition",
+                                                                           "htmlCommentOpen",
+                                                                           "htmlCommentClose"};
 
 }  // namespace
 

@@ -9,7 +9,6 @@ namespace lk {
 
 namespace {
 
-constexpr std::string_view kFence = "---";
 constexpr std::string_view kTitleKey = "title:";
 
 // Takes a line, without its line feed, from the front of the text.
@@ -30,11 +29,11 @@ std::string_view unquoted(std::string_view value) {
 
 StrippedDocument stripForeignFrontMatter(std::string_view text) {
   std::string_view rest = text;
-  if (text::trimmed(takeLine(rest)) != kFence) return {{}, std::string(text)};
+  if (text::trimmed(takeLine(rest)) != kBlockFence) return {{}, std::string(text)};
   std::optional<std::string_view> title;
   while (!rest.empty()) {
     const std::string_view line = takeLine(rest);
-    if (text::trimmed(line) == kFence) {
+    if (text::trimmed(line) == kBlockFence) {
       StrippedDocument stripped{{}, std::string(rest)};
       if (title && !title->empty()) stripped.title = *title;
       return stripped;
@@ -48,12 +47,12 @@ StrippedDocument stripForeignFrontMatter(std::string_view text) {
 
 bool hasLarkspireFrontMatterKey(std::string_view text) {
   text = text::trimmed(text);
-  if (!text.starts_with(kFence)) return false;
+  if (!text.starts_with(kBlockFence)) return false;
   const NewlinePosition opening = findNewline(text, 0);
   for (size_t start = opening.start + opening.length; start < text.size();) {
     const NewlinePosition newline = findNewline(text, start);
     const std::string_view line = text::trimmed(text.substr(start, newline.start - start));
-    if (line == kFence) return false;
+    if (line == kBlockFence) return false;
     if (line.starts_with("lk-")) return true;
     start = newline.start + newline.length;
   }

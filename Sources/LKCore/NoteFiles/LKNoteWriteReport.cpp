@@ -15,14 +15,6 @@ std::string quoted(const std::string& title) {
   return "“" + title + "”";
 }
 
-int codeOf(const std::exception& error) {
-  if (const auto* file = dynamic_cast<const FileError*>(&error)) return file->code();
-  if (const auto* system = dynamic_cast<const std::system_error*>(&error)) {
-    return system->code().value();
-  }
-  return 0;
-}
-
 }  // namespace
 
 void LKNoteWriteReport::succeed(const UUID& id) {
@@ -38,7 +30,7 @@ void LKNoteWriteReport::fail(const UUID& id, std::string title, std::string reas
 }
 
 std::string LKNoteWriteReport::reason(const std::exception& error) {
-  switch (codeOf(error)) {
+  switch (errnoOf(error)) {
     case EACCES:
     case EPERM:
     case EROFS:

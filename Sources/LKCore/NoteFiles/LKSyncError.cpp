@@ -19,11 +19,6 @@ std::string detailOf(const std::exception& error) {
   return failed != nullptr ? failed->cause() : error.what();
 }
 
-int codeOf(const std::exception& error) {
-  const auto* const failed = dynamic_cast<const FileError*>(&error);
-  return failed != nullptr ? failed->code() : 0;
-}
-
 }  // namespace
 
 LKSyncError::LKSyncError(Case errorCase, std::string description, std::filesystem::path url,
@@ -34,18 +29,18 @@ LKSyncError LKSyncError::fileCoordinationFailed(const std::exception& error) {
   return {Case::fileCoordinationFailed,
           "File coordination failed: " + detailOf(error),
           {},
-          codeOf(error)};
+          errnoOf(error)};
 }
 
 LKSyncError LKSyncError::readFailed(const std::filesystem::path& url, const std::exception& error) {
   return {Case::readFailed, "Failed to read " + nameOf(url) + ": " + detailOf(error), url,
-          codeOf(error)};
+          errnoOf(error)};
 }
 
 LKSyncError LKSyncError::writeFailed(const std::filesystem::path& url,
                                      const std::exception& error) {
   return {Case::writeFailed, "Failed to write " + nameOf(url) + ": " + detailOf(error), url,
-          codeOf(error)};
+          errnoOf(error)};
 }
 
 LKSyncError LKSyncError::invalidFrontMatter(const std::filesystem::path& url) {

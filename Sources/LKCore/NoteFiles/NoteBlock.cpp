@@ -13,7 +13,6 @@ namespace {
 constexpr std::string_view kNextLine = "\xC2\x85";
 constexpr std::string_view kLineSeparator = "\xE2\x80\xA8";
 constexpr std::string_view kParagraphSeparator = "\xE2\x80\xA9";
-constexpr std::string_view kFence = "---";
 
 struct Line {
   std::string_view text;
@@ -193,7 +192,7 @@ struct ClosingLine {
 ClosingLine findClosing(std::string_view text, size_t from) {
   for (size_t start = from; start < text.size();) {
     const Line line = lineAt(text, start);
-    if (text::trimmedBlanks(line.text) == kFence) return {start, line.next, true};
+    if (text::trimmedBlanks(line.text) == kBlockFence) return {start, line.next, true};
     start = line.next;
   }
   return {};
@@ -269,7 +268,7 @@ NewlinePosition findNewline(std::string_view text, size_t from) {
 
 std::optional<ScannedBlock> scanBlock(std::string_view text) {
   const Line opening = lineAt(text, 0);
-  if (text::trimmedBlanks(opening.text) != kFence) return std::nullopt;
+  if (text::trimmedBlanks(opening.text) != kBlockFence) return std::nullopt;
   ScannedBlock block;
   BlockReader reader(block);
   const ClosingLine closing = findClosing(text, opening.next);

@@ -11,6 +11,9 @@
 
 namespace lk {
 
+// The first and the last line of a block.
+inline constexpr std::string_view kBlockFence = "---";
+
 // Where a newline scalar stands, in bytes; `length` is 0 at the end of the text.
 struct NewlinePosition {
   size_t start = 0;

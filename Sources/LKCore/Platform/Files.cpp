@@ -85,6 +85,14 @@ std::string FileError::cause() const {
   return causeOf(code_);
 }
 
+int errnoOf(const std::exception& error) noexcept {
+  if (const auto* file = dynamic_cast<const FileError*>(&error)) return file->code();
+  if (const auto* system = dynamic_cast<const std::system_error*>(&error)) {
+    return system->code().value();
+  }
+  return 0;
+}
+
 bool isPermissionError(int code) noexcept {
   return code == EPERM || code == EACCES;
 }

@@ -37,6 +37,9 @@ class FileError : public Error {
   int code_;
 };
 
+// The errno behind a FileError or a system_error; 0 for any other error.
+int errnoOf(const std::exception& error) noexcept;
+
 // True for the codes of a missing permission (EPERM, EACCES).
 bool isPermissionError(int code) noexcept;
 

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kReadOnly = "This collection is read-only. Notes cannot be created.";
+constexpr const char* kCannotCreate = "This collection is read-only. Notes cannot be created.";
 
 std::string importedBody(const std::string& path) {
   std::string bytes;
@@ -76,7 +76,7 @@ void CreateCommand::declare(ArgumentList& arguments) {
 
 void CreateCommand::run() {
   const fs::path collection = resolvedCollection(options.collection, options.quiet);
-  requireWritable(collection, kReadOnly);
+  requireWritable(collection, kCannotCreate);
   if (templateName) throwComesLater("create --template");
   NewNote note;
   note.title = LKNoteFilename::sanitize(title);
@@ -93,7 +93,7 @@ void CreateCommand::run() {
   note.noteID = UUID::random();
 
   fs::path url;
-  writeNotes([&] { url = LKNoteFileService::createNote(note, collection); }, kReadOnly);
+  writeNotes([&] { url = LKNoteFileService::createNote(note, collection); }, kCannotCreate);
   const std::string createdTitle = LKNoteFilename::displayName(url);
   if (options.json) {
     printLine(

@@ -18,13 +18,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kReadOnly =
+constexpr const char* kCannotCreateDaily =
     "This collection is read-only. Daily notes cannot be created or modified.";
 
 UUID dailyNoteOf(Day day, const fs::path& collection) {
   const fs::path url = LKDailyNoteService::dailyNoteURL(day, collection);
-  if (!nameIsTaken(url)) requireWritable(collection, kReadOnly);
-  writeNotes([&] { LKDailyNoteService::createIfNeeded(day, collection, ""); }, kReadOnly);
+  if (!nameIsTaken(url)) requireWritable(collection, kCannotCreateDaily);
+  writeNotes([&] { LKDailyNoteService::createIfNeeded(day, collection, ""); }, kCannotCreateDaily);
   const auto id = NoteFinder::identityOf(url);
   if (!id) throw CLIError::general("Failed to read daily note.");
   return *id;

@@ -10,8 +10,6 @@ namespace lk {
 
 namespace {
 
-using Kind = ArgumentError::Kind;
-
 // CLI11 reads `--content= next` as `--content next`. No argument of a process can hold a NUL byte,
 // so one behind the "=" says that an empty value is there; it is taken off again on the way out.
 constexpr char emptyValueMark = '\0';
@@ -47,8 +45,9 @@ std::vector<CLI::Option*> registered(const ArgumentList& arguments, CLI::App& ap
 int wholeNumber(const Argument& entry, const std::string& value) {
   int number = 0;
   if (!text::parseInteger(value, number)) {
-    throw ArgumentError(Kind::badValue, "'" + value + "' isn't a whole number for '" +
-                                            std::string(entry.name) + "'.");
+    throw ArgumentError(
+        ArgumentError::Kind::badValue,
+        "'" + value + "' isn't a whole number for '" + std::string(entry.name) + "'.");
   }
   return number;
 }
@@ -97,10 +96,11 @@ void refuseRemaining(const ArgumentList& arguments, const std::vector<std::strin
         (CLI::detail::split_long(word, name, rest) || CLI::detail::split_short(word, name, rest)) &&
         !text::isDecimalDigit(static_cast<char32_t>(name.front()))) {
       const std::string given(optionName(word));
-      throw ArgumentError(Kind::unknownOption, "Unknown option '" + given + "'.", given,
-                          nearestOption(arguments, given));
+      throw ArgumentError(ArgumentError::Kind::unknownOption, "Unknown option '" + given + "'.",
+                          given, nearestOption(arguments, given));
     }
-    throw ArgumentError(Kind::unexpectedArgument, "Unexpected argument '" + word + "'.", word);
+    throw ArgumentError(ArgumentError::Kind::unexpectedArgument,
+                        "Unexpected argument '" + word + "'.", word);
   }
 }
 
@@ -111,7 +111,7 @@ void refuseMissing(const ArgumentList& arguments, const std::vector<CLI::Option*
     const bool positional = entry.kind == Argument::Kind::positional;
     const std::string shown = positional ? "argument <" + std::string(entry.valueName) + ">"
                                          : "option '" + std::string(entry.name) + "'";
-    throw ArgumentError(Kind::missing, "Missing " + shown + ".");
+    throw ArgumentError(ArgumentError::Kind::missing, "Missing " + shown + ".");
   }
 }
 
@@ -121,7 +121,7 @@ void storeAll(const ArgumentList& arguments, const std::vector<CLI::Option*>& op
     if (options[i]->count() == 0) continue;
     std::vector<std::string> values = options[i]->results();
     if (entry.kind == Argument::Kind::flag && values.back() != plainFlag) {
-      throw ArgumentError(Kind::badValue,
+      throw ArgumentError(ArgumentError::Kind::badValue,
                           "Option '" + std::string(entry.name) + "' doesn't take a value.");
     }
     for (std::string& value : values) value = unmarked(std::move(value));
@@ -154,7 +154,7 @@ void parseArguments(const ArgumentList& arguments, const std::vector<std::string
     app.parse(std::move(reversed));
   } catch (const CLI::ArgumentMismatch&) {
     // The one way to get here: the line ends where an option's value should stand.
-    throw ArgumentError(Kind::missing, "Missing value for '" + words.back() + "'.");
+    throw ArgumentError(ArgumentError::Kind::missing, "Missing value for '" + words.back() + "'.");
   }
   if (asksForHelp(arguments, options)) return;
   refuseRemaining(arguments, app.remaining());

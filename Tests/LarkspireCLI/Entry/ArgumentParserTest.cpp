@@ -55,27 +55,27 @@ std::string parsed(const Words& words) {
   }
 }
 
-struct Case {
+struct WordsCase {
   const char* name;
   Words words;
   std::string result;
 };
 
-void PrintTo(const Case& row, std::ostream* out) {
+void PrintTo(const WordsCase& row, std::ostream* out) {
   *out << row.name;
 }
 
-class ArgumentWords : public testing::TestWithParam<Case> {};
+class ArgumentWords : public testing::TestWithParam<WordsCase> {};
 
 TEST_P(ArgumentWords, reachTheFieldsUnchanged) {
   EXPECT_EQ(parsed(GetParam().words), GetParam().result);
 }
 
-std::string caseName(const testing::TestParamInfo<Case>& row) {
+std::string wordsCaseName(const testing::TestParamInfo<WordsCase>& row) {
   return row.param.name;
 }
 
-const Case orderCases[] = {
+const WordsCase orderCases[] = {
     {"options_after", {"T", "--force", "--limit", "3"}, "<T> limit=3 force"},
     {"options_before", {"--limit", "3", "--force", "T"}, "<T> limit=3 force"},
     {"options_between", {"T", "--content", "x", "P"}, "<T> place=<P> content=<x>"},
@@ -85,9 +85,9 @@ const Case orderCases[] = {
     {"words_after_separator", {"--", "--force", "--"}, "<--force> place=<-->"},
     {"separator_alone", {"T", "--"}, "<T>"},
 };
-INSTANTIATE_TEST_SUITE_P(order, ArgumentWords, testing::ValuesIn(orderCases), caseName);
+INSTANTIATE_TEST_SUITE_P(order, ArgumentWords, testing::ValuesIn(orderCases), wordsCaseName);
 
-const Case valueCases[] = {
+const WordsCase valueCases[] = {
     {"brackets",
      {"[a,b]", "--content", "[c, d]", "--tag", "[e]"},
      "<[a,b]> content=<[c, d]> tag=<[e]>"},
@@ -118,9 +118,9 @@ const Case valueCases[] = {
     {"outside_ascii", {"Grüße 日本", "--tag=é"}, "<Grüße 日本> tag=<é>"},
     {"true_is_text", {"true", "--content", "false"}, "<true> content=<false>"},
 };
-INSTANTIATE_TEST_SUITE_P(values, ArgumentWords, testing::ValuesIn(valueCases), caseName);
+INSTANTIATE_TEST_SUITE_P(values, ArgumentWords, testing::ValuesIn(valueCases), wordsCaseName);
 
-const Case refusedCases[] = {
+const WordsCase refusedCases[] = {
     {"unknown_option", {"T", "--contents", "x"}, "Unknown option '--contents'. [--content]"},
     {"unknown_assigned", {"T", "--tagg=x"}, "Unknown option '--tagg'. [--tag]"},
     {"one_dash", {"T", "-force"}, "Unknown option '-force'. [--force]"},
@@ -139,7 +139,7 @@ const Case refusedCases[] = {
     {"flag_with_nothing", {"T", "--force="}, "Option '--force' doesn't take a value."},
     {"help_outweighs_faults", {"--wrong", "--limit", "x", "-h"}, "<> help"},
 };
-INSTANTIATE_TEST_SUITE_P(refused, ArgumentWords, testing::ValuesIn(refusedCases), caseName);
+INSTANTIATE_TEST_SUITE_P(refused, ArgumentWords, testing::ValuesIn(refusedCases), wordsCaseName);
 
 TEST(NearestWord, isNearEnoughToBeMeant) {
   const std::vector<std::string_view> words = {"tasks", "tags", "list", "notifications"};

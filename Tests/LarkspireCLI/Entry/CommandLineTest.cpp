@@ -44,27 +44,27 @@ std::string outcome(const Words& words) {
   }
 }
 
-struct Case {
+struct LineCase {
   const char* name;
   Words words;
   std::string outcome;
 };
 
-void PrintTo(const Case& row, std::ostream* out) {
+void PrintTo(const LineCase& row, std::ostream* out) {
   *out << row.name;
 }
 
-class CommandLines : public testing::TestWithParam<Case> {};
+class CommandLines : public testing::TestWithParam<LineCase> {};
 
 TEST_P(CommandLines, areUnderstood) {
   EXPECT_EQ(outcome(GetParam().words), GetParam().outcome);
 }
 
-std::string caseName(const testing::TestParamInfo<Case>& row) {
+std::string lineCaseName(const testing::TestParamInfo<LineCase>& row) {
   return row.param.name;
 }
 
-const Case routes[] = {
+const LineCase routes[] = {
     {"leaf", {"show", "X"}, "run reference=X"},
     {"subcommand", {"tags", "rename", "a", "b"}, "run oldPath=a newPath=b"},
     {"globals_after",
@@ -90,9 +90,9 @@ const Case routes[] = {
     {"title_named_like_a_command", {"show", "list"}, "run reference=list"},
     {"title_named_help", {"show", "help"}, "run reference=help"},
 };
-INSTANTIATE_TEST_SUITE_P(routes, CommandLines, testing::ValuesIn(routes), caseName);
+INSTANTIATE_TEST_SUITE_P(routes, CommandLines, testing::ValuesIn(routes), lineCaseName);
 
-const Case requests[] = {
+const LineCase requests[] = {
     {"nothing", {}, "help of lk"},
     {"root_flag", {"--help"}, "help of lk"},
     {"root_short_flag", {"-h"}, "help of lk"},
@@ -108,9 +108,9 @@ const Case requests[] = {
     {"version_after_global", {"--json", "--version"}, "version"},
     {"script", {"--generate-completion-script", "zsh"}, "script for zsh"},
 };
-INSTANTIATE_TEST_SUITE_P(requests, CommandLines, testing::ValuesIn(requests), caseName);
+INSTANTIATE_TEST_SUITE_P(requests, CommandLines, testing::ValuesIn(requests), lineCaseName);
 
-const Case refusals[] = {
+const LineCase refusals[] = {
     {"command", {"shwo"}, "Error: Unknown command 'shwo'.\nDid you mean 'show'?"},
     {"command_unlike_all", {"frobnicate"}, "Error: Unknown command 'frobnicate'."},
     {"empty_command", {""}, "Error: Unknown command ''."},
@@ -142,7 +142,7 @@ const Case refusals[] = {
      {"list", "--tag=\xff"},
      "Error: The argument '--tag=\xef\xbf\xbd' isn't valid UTF-8."},
 };
-INSTANTIATE_TEST_SUITE_P(refusals, CommandLines, testing::ValuesIn(refusals), caseName);
+INSTANTIATE_TEST_SUITE_P(refusals, CommandLines, testing::ValuesIn(refusals), lineCaseName);
 
 TEST(UsageErrors, sayWhereToReadOn) {
   try {
