@@ -6,10 +6,10 @@
 #include <system_error>
 
 #include "LKCore/Base/Json.h"
-#include "LarkspireCLI/CLIError.h"
 #include "LarkspireCLI/CommandLine.h"
 #include "LarkspireCLI/CompletionScript.h"
 #include "LarkspireCLI/Help.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/Output.h"
 
 namespace lk {

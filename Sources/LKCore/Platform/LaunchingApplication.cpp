@@ -54,7 +54,7 @@ std::optional<std::string> bundleName(const fs::path& executable) {
 
 }  // namespace
 
-ProcessTable ProcessTable::system() {
+ProcessTable ProcessTable::ofThisMachine() {
   return {.parent = parentOf, .executable = executableOf};
 }
 
@@ -72,7 +72,7 @@ std::optional<std::string> applicationName(pid_t start, const ProcessTable& proc
 }
 
 std::optional<std::string> launchingApplicationName() {
-  return applicationName(getppid(), ProcessTable::system());
+  return applicationName(getppid(), ProcessTable::ofThisMachine());
 }
 
 }  // namespace lk

@@ -16,7 +16,7 @@ struct ProcessTable {
   std::function<std::optional<std::filesystem::path>(pid_t)> executable;
 
   // The processes of this machine, from /proc.
-  static ProcessTable system();
+  static ProcessTable ofThisMachine();
 };
 
 // The name of the application bundle ("NAME.app") that `start` or a process above it runs from.

@@ -6,7 +6,7 @@
 
 #include "LKCore/NoteRepository/LKNoteFileService.h"
 #include "LKCore/Platform/Files.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/NoteMover.h"
 #include "LarkspireCLI/Support/NoteWriting.h"

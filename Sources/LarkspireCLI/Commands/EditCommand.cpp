@@ -3,7 +3,7 @@
 #include "LKCore/Base/Json.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteRepository/LKNoteFileService.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"

@@ -5,7 +5,7 @@
 #include "LKCore/Collections/LKCollectionStore.h"
 #include "LKCore/DailyNotes/LKDailyNoteService.h"
 #include "LKCore/Platform/Files.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/DeepLink.h"
 #include "LarkspireCLI/Support/NoteWriting.h"

@@ -4,7 +4,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/NoteFinder.h"
 #include "LarkspireCLI/Support/NoteMover.h"

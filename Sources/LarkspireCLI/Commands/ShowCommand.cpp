@@ -7,7 +7,7 @@
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/NoteFiles/LKSyncError.h"
 #include "LKCore/Platform/Files.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/RequiredNote.h"

@@ -1,6 +1,6 @@
 #include "LarkspireCLI/Support/Command.h"
 
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk {
 

@@ -1,7 +1,7 @@
 #include "LarkspireCLI/Support/DeepLink.h"
 
 #include "LKCore/Platform/Opener.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk {
 

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk {
 

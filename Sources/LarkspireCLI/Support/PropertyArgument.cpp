@@ -2,7 +2,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk {
 

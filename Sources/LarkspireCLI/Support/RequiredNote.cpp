@@ -1,6 +1,6 @@
 #include "LarkspireCLI/Support/RequiredNote.h"
 
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/Output.h"
 

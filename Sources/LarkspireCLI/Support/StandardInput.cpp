@@ -8,7 +8,7 @@
 #include <cstring>
 
 #include "LKCore/Base/Text.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk {
 

@@ -1,7 +1,7 @@
 #include "LarkspireCLI/Support/TagArgument.h"
 
 #include "LKCore/Navigation/LKTagNameRules.h"
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk::TagArgument {
 

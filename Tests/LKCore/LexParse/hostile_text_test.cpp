@@ -182,17 +182,13 @@ size_t work(const std::string& text) {
 double seconds(std::string_view unit, size_t bytes) {
   std::string text;
   while (text.size() < bytes) text += unit;
-  double best = 1e9;
-  for (int round = 0; round < 2; ++round) {
-    const std::clock_t start = std::clock();  // of this process alone, however busy the machine
-    EXPECT_GT(work(text), 0U);
-    best = std::min(best, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
-  }
-  return best;
+  const std::clock_t start = std::clock();  // of this process alone, however busy the machine
+  EXPECT_GT(work(text), 0U);
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 TEST(HostileText, TakesTimeInProportionToItsLength) {
-  constexpr size_t kBytes = 64 * 1024;
+  constexpr size_t kBytes = 16 * 1024;
   for (const std::string_view unit : {"*",
                                       "**a ",
                                       "*a ",
@@ -247,8 +243,8 @@ TEST(HostileText, TakesTimeInProportionToItsLength) {
                                       "- [ ]\n",
                                       "*a**b*** [](`(!["}) {
     double ratio = 0;
-    // A busy machine may spoil a measurement, not three in a row.
-    for (int attempt = 0; attempt < 3; ++attempt) {
+    // A busy machine may spoil a measurement, not five in a row.
+    for (int attempt = 0; attempt < 5; ++attempt) {
       ratio = seconds(unit, 2 * kBytes) / seconds(unit, kBytes);
       if (ratio <= 3) break;
     }

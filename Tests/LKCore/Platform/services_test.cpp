@@ -122,7 +122,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(Launching, KnowsTheProcessesOfThisMachine) {
-  const ProcessTable table = ProcessTable::system();
+  const ProcessTable table = ProcessTable::ofThisMachine();
   EXPECT_EQ(table.parent(getpid()), getppid());
   EXPECT_EQ(table.executable(getpid()), fs::read_symlink("/proc/self/exe"));
   EXPECT_EQ(table.parent(0), std::nullopt);

@@ -13,9 +13,9 @@
 
 #include "LKCore/Collections/LKCollectionPath.h"
 #include "LKCore/Collections/LKCollectionStore.h"
-#include "LarkspireCLI/CLIError.h"
 #include "LarkspireCLI/Support/AppContainerRegistry.h"
 #include "LarkspireCLI/Support/CLIActiveCollection.h"
+#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "Support/TempFolder.h"
 

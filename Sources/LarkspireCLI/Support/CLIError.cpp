@@ -1,4 +1,4 @@
-#include "LarkspireCLI/CLIError.h"
+#include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk {
 
