@@ -17,6 +17,7 @@ std::optional<LKCollectionRecord> resolve(const std::string& reference) {
   if (isFresh) records.push_back(store.plannedDefaultCollection());
 
   std::vector<CollectionName> names;
+  names.reserve(records.size());
   for (const LKCollectionRecord& record : records) {
     names.push_back({record.id, record.name, record.path});
   }

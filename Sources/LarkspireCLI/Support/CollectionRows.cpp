@@ -75,6 +75,7 @@ template <typename Collections>
 std::vector<CollectionRow> rowsOf(const Collections& collections,
                                   const std::optional<UUID>& activeID) {
   std::vector<CollectionRow> rows;
+  rows.reserve(collections.size());
   for (const auto& collection : collections) rows.push_back(rowOf(collection));
   // The tool's own choice comes before what the registry holds active.
   const auto isIn = [&](const std::optional<UUID>& id) {
