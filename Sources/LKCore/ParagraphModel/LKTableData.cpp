@@ -118,11 +118,14 @@ std::optional<LKTableData> LKTableData::parse(std::span<const Paragraph> paragra
   }
   if (table.columns.empty()) return std::nullopt;
 
+  std::vector<std::vector<std::string_view>> rows;
   size_t filling = 0;
   for (const std::string_view line : lines.data) {
-    std::vector<std::string_view> cells = splitCells(line);
-    filling += table.columns.size() - std::min(cells.size(), table.columns.size());
-    if (filling > kMostFilling) return std::nullopt;
+    rows.push_back(splitCells(line));
+    filling += table.columns.size() - std::min(rows.back().size(), table.columns.size());
+  }
+  if (filling > kMostFilling) return std::nullopt;
+  for (std::vector<std::string_view>& cells : rows) {
     cells.resize(table.columns.size());
     table.rows.emplace_back(cells.begin(), cells.end());
   }
