@@ -1,4 +1,5 @@
-// The two lexers over real notes, beside a Markdown parser that reads the same bytes.
+// The two lexers and the paragraphs over real notes, beside a Markdown parser that reads the same
+// bytes.
 //
 // The notes are those of the folder LARKSPIRE_CORPUS, else of Samples in the working directory.
 
@@ -15,6 +16,7 @@
 
 #include "LKCore/LexParse/Lexer.h"
 #include "LKCore/LexParse/ParagraphLexer.h"
+#include "LKCore/ParagraphModel/MakeParagraphs.h"
 
 namespace {
 
@@ -75,6 +77,22 @@ void blockLexer(benchmark::State& state) {
   });
 }
 BENCHMARK(blockLexer);
+
+void paragraphsOfNotes(benchmark::State& state) {
+  overAllNotes(state, [](const std::string& note) {
+    benchmark::DoNotOptimize(lk::makeParagraphs(note).data());
+  });
+}
+BENCHMARK(paragraphsOfNotes);
+
+// A hostile megabyte: a paragraph for each few bytes.
+void paragraphsOfShortLines(benchmark::State& state) {
+  std::string text;
+  for (const char* line = "- a\n"; text.size() < 1'000'000;) text += line;
+  for (auto _ : state) benchmark::DoNotOptimize(lk::makeParagraphs(text).data());
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
+}
+BENCHMARK(paragraphsOfShortLines);
 
 void peerParser(benchmark::State& state) {
   overAllNotes(state, [](const std::string& note) {

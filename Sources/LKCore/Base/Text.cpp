@@ -197,6 +197,12 @@ size_t utf16Count(std::string_view text) {
 std::vector<size_t> characterEnds(std::string_view text) {
   std::vector<size_t> ends;
   if (text.empty()) return ends;
+  // In ASCII, CR LF is the one character of two scalars.
+  if (isASCII(text) && text.find('\r') == std::string_view::npos) {
+    ends.resize(text.size());
+    std::iota(ends.begin(), ends.end(), size_t{1});
+    return ends;
+  }
   UErrorCode status = U_ZERO_ERROR;
   static const std::unique_ptr<icu::BreakIterator> prototype(
       icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));

@@ -22,20 +22,41 @@ int hexValue(char c) {
   return -1;
 }
 
-}  // namespace
-
-UUID UUID::random() {
-  UUID uuid;
-  size_t filled = 0;
-  while (filled < uuid.bytes_.size()) {
-    const ssize_t got = getrandom(uuid.bytes_.data() + filled, uuid.bytes_.size() - filled, 0);
+void fillRandomly(uint8_t* bytes, size_t count) {
+  for (size_t filled = 0; filled < count;) {
+    const ssize_t got = getrandom(bytes + filled, count - filled, 0);
     if (got < 0 && errno != EINTR)
       throw Error("No random numbers: " + std::string(strerror(errno)));
     if (got > 0) filled += static_cast<size_t>(got);
   }
-  uuid.bytes_[6] = static_cast<uint8_t>((uuid.bytes_[6] & 0x0FU) | 0x40U);
-  uuid.bytes_[8] = static_cast<uint8_t>((uuid.bytes_[8] & 0x3FU) | 0x80U);
+}
+
+// The bits that say "version 4".
+void markRandom(std::array<uint8_t, 16>& bytes) {
+  bytes[6] = static_cast<uint8_t>((bytes[6] & 0x0FU) | 0x40U);
+  bytes[8] = static_cast<uint8_t>((bytes[8] & 0x3FU) | 0x80U);
+}
+
+}  // namespace
+
+UUID UUID::random() {
+  UUID uuid;
+  fillRandomly(uuid.bytes_.data(), uuid.bytes_.size());
+  markRandom(uuid.bytes_);
   return uuid;
+}
+
+UUID UUIDBatch::next() {
+  if (used_ == kCount) {
+    std::array<uint8_t, kCount * sizeof(UUID)> random{};
+    fillRandomly(random.data(), random.size());
+    for (size_t i = 0; i < kCount; ++i) {
+      std::memcpy(made_[i].bytes_.data(), random.data() + i * sizeof(UUID), sizeof(UUID));
+      markRandom(made_[i].bytes_);
+    }
+    used_ = 0;
+  }
+  return made_[used_++];
 }
 
 std::optional<UUID> UUID::parse(std::string_view text) {

@@ -31,10 +31,24 @@ class UUID {
 
  private:
   friend struct std::hash<UUID>;
+  friend class UUIDBatch;
 
   std::string formatted(const char* digits) const;
 
   std::array<uint8_t, 16> bytes_{};
+};
+
+// Fresh random UUIDs for many records: one call to the kernel's generator serves 64 of them, where
+// `UUID::random` makes one call each. Not for sharing between threads, nor over a fork.
+class UUIDBatch {
+ public:
+  UUID next();
+
+ private:
+  static constexpr size_t kCount = 64;
+
+  std::array<UUID, kCount> made_;
+  size_t used_ = kCount;
 };
 
 }  // namespace lk

@@ -3,11 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <random>
 
@@ -15,6 +11,7 @@
 #include "LKCore/Base/Text.h"
 #include "LexForms.h"
 #include "ReferenceLexer.h"
+#include "Support/Corpus.h"
 
 namespace lk {
 namespace {
@@ -68,25 +65,9 @@ TEST(HostileText, IsReadAsThePlainRulesSay) {
 
 // --- The corpus --------------------------------------------------------------------------------
 
-template <typename Visit>
-void forEachNote(const Visit& visit) {
-  const char* folder = std::getenv("LARKSPIRE_CORPUS");
-  if (folder == nullptr) return;  // there is none to read
-  size_t notes = 0;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-    if (entry.path().extension() != ".md") continue;
-    std::ifstream in(entry.path(), std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(in), {}};
-    if (!text::isValidUTF8(text)) continue;
-    ++notes;
-    visit(text);
-  }
-  EXPECT_GT(notes, 0U) << "no notes in " << folder;
-}
-
 TEST(Corpus, IsReadAsThePlainRulesSay) {
   const auto terms = std::make_shared<const LKProjectTermsSnapshot>();
-  forEachNote([&](const std::string& text) { ASSERT_TRUE(agrees(text, terms)); });
+  test::forEachNote([&](const std::string& text) { ASSERT_TRUE(agrees(text, terms)); });
 }
 
 // The mark at a line's head in names that both lexers share; none for all else.
@@ -149,7 +130,7 @@ const char* toldDifference(std::string_view line) {
 TEST(Corpus, IsReadAlikeByBothLexersButForTheToldDifferences) {
   const auto terms = std::make_shared<const LKProjectTermsSnapshot>();
   size_t alike = 0;
-  forEachNote([&](const std::string& text) {
+  const size_t notes = test::forEachNote([&](const std::string& text) {
     for (const std::string_view line : text::splitLines(text)) {
       if (line.empty()) continue;
       Lexer lexer(line, terms);
@@ -163,7 +144,7 @@ TEST(Corpus, IsReadAlikeByBothLexersButForTheToldDifferences) {
       }
     }
   });
-  if (std::getenv("LARKSPIRE_CORPUS") != nullptr) {
+  if (notes > 0) {
     EXPECT_GT(alike, 1000U);
   }
 }
