@@ -1,4 +1,4 @@
-// The two lexers over real notes, beside a Markdown parser that reads the same bytes.
+// The two lexers and the extraction of tags and tasks over real notes, beside a Markdown parser that reads the same bytes.
 //
 // The notes are those of the folder LARKSPIRE_CORPUS, else of Samples in the working directory.
 
@@ -10,11 +10,13 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "LKCore/LexParse/Lexer.h"
 #include "LKCore/LexParse/ParagraphLexer.h"
+#include "LKCore/Tags/LKTagExtractor.h"
 
 namespace {
 
@@ -75,6 +77,15 @@ void blockLexer(benchmark::State& state) {
   });
 }
 BENCHMARK(blockLexer);
+
+void extraction(benchmark::State& state) {
+  const auto terms = std::make_shared<const lk::LKProjectTermsSnapshot>();
+  const lk::Instant now = lk::Instant::now();
+  overAllNotes(state, [&](const std::string& note) {
+    benchmark::DoNotOptimize(lk::LKTagExtractor::extract(note, std::nullopt, now, terms));
+  });
+}
+BENCHMARK(extraction);
 
 void peerParser(benchmark::State& state) {
   overAllNotes(state, [](const std::string& note) {
