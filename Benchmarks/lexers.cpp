@@ -1,5 +1,5 @@
-// The two lexers and the paragraphs over real notes, beside a Markdown parser that reads the same
-// bytes.
+// The lexers, the paragraphs and the extraction of tags and tasks over real notes, beside a Markdown
+// parser that reads the same bytes.
 //
 // The notes are those of the folder LARKSPIRE_CORPUS, else of Samples in the working directory.
 
@@ -11,12 +11,14 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "LKCore/LexParse/Lexer.h"
 #include "LKCore/LexParse/ParagraphLexer.h"
 #include "LKCore/ParagraphModel/MakeParagraphs.h"
+#include "LKCore/Tags/LKTagExtractor.h"
 
 namespace {
 
@@ -93,6 +95,15 @@ void paragraphsOfShortLines(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 BENCHMARK(paragraphsOfShortLines);
+
+void extraction(benchmark::State& state) {
+  const auto terms = std::make_shared<const lk::LKProjectTermsSnapshot>();
+  const lk::Instant now = lk::Instant::now();
+  overAllNotes(state, [&](const std::string& note) {
+    benchmark::DoNotOptimize(lk::LKTagExtractor::extract(note, std::nullopt, now, terms));
+  });
+}
+BENCHMARK(extraction);
 
 void peerParser(benchmark::State& state) {
   overAllNotes(state, [](const std::string& note) {

@@ -48,6 +48,13 @@ class Pattern {
   // The text with every match replaced by `replacement` as it stands.
   std::string replacingAll(std::string_view text, std::string_view replacement) const;
 
+  // The text with every match replaced by the template, in which "$1" stands for what group 1 took
+  // (nothing, when it took no part), and a character behind a backslash for itself.
+  std::string replacingAllByTemplate(std::string_view text, std::string_view replacement) const;
+
+  // `text` as a template that gives back `text`.
+  static std::string escapedTemplate(std::string_view text);
+
   // `text` with every character that has a meaning in patterns escaped.
   static std::string escaped(std::string_view text);
 

@@ -1,6 +1,6 @@
 #include "LarkspireCLI/Support/TagArgument.h"
 
-#include "LKCore/Navigation/LKTagNameRules.h"
+#include "LKCore/Tags/LKTagNameRules.h"
 #include "LarkspireCLI/Support/CLIError.h"
 
 namespace lk::TagArgument {

@@ -21,9 +21,10 @@ namespace fs = std::filesystem;
 const std::vector<std::vector<std::string>> kFloors = {
     {"Base"},
     {"Platform"},
-    {"Collections", "Terminology", "NoteFiles"},
+    {"Collections", "Terminology", "NoteFiles", "Attachments"},
     {"LexParse", "ParagraphModel"},
     {"Tasks", "Navigation"},
+    {"Tags"},
     {"NoteRepository"},
     {"DailyNotes"},
 };

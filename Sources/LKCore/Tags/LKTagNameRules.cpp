@@ -1,4 +1,4 @@
-#include "LKCore/Navigation/LKTagNameRules.h"
+#include "LKCore/Tags/LKTagNameRules.h"
 
 #include "LKCore/Base/Text.h"
 

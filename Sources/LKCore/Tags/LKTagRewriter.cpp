@@ -1,0 +1,212 @@
+#include "LKCore/Tags/LKTagRewriter.h"
+
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+#include <utility>
+
+#include "LKCore/Base/Error.h"
+#include "LKCore/Base/Log.h"
+#include "LKCore/Base/Text.h"
+#include "LKCore/NoteFiles/LKFileWrite.h"
+#include "LKCore/NoteFiles/LKNoteEdit.h"
+#include "LKCore/NoteFiles/LKNoteFilename.h"
+#include "LKCore/NoteFiles/LKOwnFileWrites.h"
+#include "LKCore/NoteFiles/LKTaskEntries.h"
+#include "LKCore/Platform/Files.h"
+#include "LKCore/Tags/LKTagExtractor.h"
+#include "LKCore/Tags/TagPaths.h"
+
+namespace lk::LKTagRewriter {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using TagRanks = std::map<std::string, std::string>;
+
+TagRanks renamedRanks(const TagRanks& ranks, const KeyTransform& transform) {
+  return tags::withRenamedKeys(ranks, [&](const std::string& key) {
+    std::string name = transform(key);
+    return name == key ? std::nullopt : std::optional(std::move(name));
+  });
+}
+
+void logFailure(std::string_view what, const fs::path& url, const Error& error) {
+  log::error(std::string("LKTagRewriter: ")
+                 .append(what)
+                 .append(" for ")
+                 .append(url.string())
+                 .append(": ")
+                 .append(error.description()));
+}
+
+void renameIcons(const std::string& from, const std::string& to, bool isPrefix,
+                 const LKTagIconStore& icons) {
+  try {
+    if (isPrefix) {
+      icons.renamePrefix(from, to);
+    } else {
+      icons.rename(from, to);
+    }
+  } catch (const Error& error) {
+    log::error("LKTagRewriter: the icon of #" + from + " stays: " + error.description());
+  }
+}
+
+}  // namespace
+
+// --- Names ---------------------------------------------------------------------------------------
+
+RenamePattern renamePattern(std::string_view from, std::string_view to, bool isPrefix) {
+  constexpr std::string_view kTagEnd = R"((?=[^\p{L}\p{N}\-/]|$))";
+  const std::string below = isPrefix ? R"((/[\p{L}\p{N}\-/]*)?)" : "";
+  return {"#" + Pattern::escaped(from) + below + std::string(kTagEnd),
+          "#" + Pattern::escapedTemplate(to) + (isPrefix ? "$1" : "")};
+}
+
+KeyTransform rankKeyTransform(std::string from, std::string to) {
+  return [from = std::move(from), to = std::move(to)](const std::string& key) {
+    return tags::renamed(key, from, to).value_or(key);
+  };
+}
+
+std::vector<std::string> collisions(std::string_view renaming, std::string_view to,
+                                    const std::vector<std::string>& existingTags) {
+  std::unordered_set<std::string> targets;
+  std::vector<std::string> staying;
+  for (const std::string& tag : existingTags) {
+    if (auto target = tags::renamed(tag, renaming, to)) {
+      targets.insert(std::move(*target));
+    } else {
+      staying.push_back(tag);
+    }
+  }
+  std::erase_if(staying, [&](const std::string& tag) { return !targets.contains(tag); });
+  std::ranges::sort(staying);
+  return staying;
+}
+
+bool isPrefix(std::string_view tag, const std::vector<std::string>& tags) {
+  return std::ranges::any_of(tags,
+                             [&](const std::string& other) { return tags::isBelow(other, tag); });
+}
+
+// --- Files ---------------------------------------------------------------------------------------
+
+std::optional<std::string> rewritten(std::string_view file, const fs::path& url,
+                                     const Pattern& pattern, std::string_view replacement,
+                                     const KeyTransform& rankKeyTransform) {
+  const std::optional<LKNoteEdit> note = LKNoteEdit::read(file);
+  if (!note) return std::nullopt;
+  const std::string rawBody = pattern.replacingAllByTemplate(note->rawBody, replacement);
+  LKFileFrontMatter changed = note->frontMatter;
+  changed.tagRanks = renamedRanks(changed.tagRanks, rankKeyTransform);
+  if (rawBody == note->rawBody && changed.tagRanks == note->frontMatter.tagRanks) {
+    return std::nullopt;
+  }
+  changed.taskEntries = deriveTaskEntries(LKNoteEdit::bodyInMemory(rawBody), changed.taskEntries);
+  if (LKNoteFilename::isUUIDBasename(url.stem().string())) {
+    changed.title = LKNoteFilename::displayName(url);
+  }
+  return note->written(changed, rawBody);
+}
+
+bool rewriteFile(const fs::path& url, const Pattern& pattern, std::string_view replacement,
+                 const KeyTransform& rankKeyTransform) {
+  std::optional<FileLock> lock;
+  try {
+    lock = FileLock::forUpdate(url);
+  } catch (const FileError& error) {
+    logFailure("coordinator error", url, error);
+    return false;
+  }
+  std::string before;
+  try {
+    before = readFile(lock->path());
+  } catch (const FileError&) {
+    return false;  // what cannot be read is not changed
+  }
+  const auto after = rewritten(before, url, pattern, replacement, rankKeyTransform);
+  if (!after) return false;
+  if (!text::isValidUTF8(*after)) {
+    log::error("LKTagRewriter: serialize failed for " + url.string());
+    return false;
+  }
+  try {
+    const LKOwnFileWrites::Scope inFlight(url);
+    LKFileWrite::atomically(*after, lock->path());
+    return true;
+  } catch (const FileError& error) {
+    logFailure("write failed", url, error);
+    return false;
+  }
+}
+
+std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files,
+                                    const std::string& from, const std::string& to, bool isPrefix,
+                                    const LKTagIconStore& icons) {
+  std::vector<fs::path> changed;
+  if (from.empty() || from == to) return changed;
+  try {
+    const RenamePattern names = renamePattern(from, to, isPrefix);
+    const Pattern pattern(names.pattern);
+    const KeyTransform rankKeys = rankKeyTransform(from, to);
+    renameIcons(from, to, isPrefix, icons);
+    for (const auto& [url, text] : files) {
+      if (rewriteFile(url, pattern, names.replacement, rankKeys)) changed.push_back(url);
+    }
+  } catch (const PatternError& error) {
+    log::error("LKTagRewriter: #" + from + " cannot be looked for: " + error.description());
+  }
+  return changed;
+}
+
+// --- In the cache --------------------------------------------------------------------------------
+
+bool rewriteNote(const UUID& id, const Pattern& pattern, std::string_view replacement,
+                 const KeyTransform& rankKeyTransform, LKTagCache& cache) {
+  const std::optional<LKTagCache::Note> before = cache.note(id);
+  if (!before) return false;
+  LKTagCache::Note after = *before;
+  after.text = pattern.replacingAllByTemplate(before->text, replacement);
+  after.tagRanks = renamedRanks(before->tagRanks, rankKeyTransform);
+  if (after == *before) return false;
+  after.tags = LKTagExtractor::extractTags(after.text);
+  cache.setNote(id, after);
+  return true;
+}
+
+std::vector<std::string> syncTags(const UUID& id, std::string_view text, LKTagCache& cache) {
+  std::vector<std::string> lost;
+  std::optional<LKTagCache::Note> note = cache.note(id);
+  if (!note) return lost;
+  auto tags = LKTagExtractor::extractTags(text);
+  if (tags == note->tags) return lost;
+  std::ranges::set_difference(note->tags, tags, std::back_inserter(lost));
+  note->tags = std::move(tags);
+  cache.setNote(id, *note);
+  return lost;
+}
+
+std::vector<std::string> removeOrphaned(const std::vector<std::string>& among, LKTagCache& cache,
+                                        const LKTagIconStore& icons) {
+  std::vector<std::string> removed;
+  for (const std::string& tag : among) {
+    if (cache.noteCount(tag) != 0) continue;
+    cache.removeTag(tag);
+    removed.push_back(tag);
+  }
+  try {
+    icons.clear(removed);
+  } catch (const Error& error) {
+    log::error("LKTagRewriter: icons of removed tags stay: " + error.description());
+  }
+  return removed;
+}
+
+std::vector<std::string> removeOrphanedTags(LKTagCache& cache, const LKTagIconStore& icons) {
+  return removeOrphaned(cache.tags(), cache, icons);
+}
+
+}  // namespace lk::LKTagRewriter
