@@ -156,19 +156,31 @@ std::filesystem::path LKProjectStore::file() const {
   return configFolder_() / "projects.json";
 }
 
-LKProjectStore::Entries LKProjectStore::loadAll() const {
+// With the mutex held, as long as the result is used.
+const LKProjectStore::Entries& LKProjectStore::loaded() const {
   const std::filesystem::path path = file();
-  const std::lock_guard guard(mutex_);
   if (cached_ && cachedFile_ == path) return *cached_;
-  Entries entries;
+  cached_.emplace();
+  cachedFile_ = path;
   try {
-    entries = entriesIn(readSharedObject(path));
+    *cached_ = entriesIn(readSharedObject(path));
   } catch (const Error& error) {
     log::warning("The projects cannot be read: " + error.description());
   }
-  cached_ = entries;
-  cachedFile_ = path;
-  return entries;
+  return *cached_;
+}
+
+LKProjectStore::Entries LKProjectStore::loadAll() const {
+  const std::lock_guard guard(mutex_);
+  return loaded();
+}
+
+bool LKProjectStore::areAllRegistered(std::span<const std::string> names) const {
+  const std::lock_guard guard(mutex_);
+  const Entries& known = loaded();
+  return std::ranges::all_of(names, [&](const std::string& name) {
+    return name.empty() || registryKey(name, known).has_value();
+  });
 }
 
 void LKProjectStore::invalidateCache() {
@@ -218,10 +230,11 @@ std::map<std::string, LKProjectStore::ReferenceCounts> LKProjectStore::reference
 
 std::optional<std::string> LKProjectStore::registryKey(std::string_view name,
                                                        const Entries& entries) {
-  const std::string wanted(name);
-  if (entries.contains(wanted)) return wanted;
+  const std::string exact(name);
+  if (entries.contains(exact)) return exact;
+  const std::string wanted = text::caseInsensitiveKey(name);
   for (const auto& [key, entry] : entries) {
-    if (text::equalIgnoringCase(key, wanted)) return key;
+    if (text::caseInsensitiveKey(key) == wanted) return key;
   }
   return std::nullopt;
 }
@@ -249,11 +262,7 @@ bool LKProjectStore::add(std::string_view name, LKProjectEntry::Origin origin) {
 }
 
 bool LKProjectStore::ensureExists(std::span<const std::string> names) {
-  const Entries known = loadAll();
-  const bool areAllKnown = std::ranges::all_of(names, [&](const std::string& name) {
-    return name.empty() || registryKey(name, known).has_value();
-  });
-  if (areAllKnown) return false;
+  if (areAllRegistered(names)) return false;
   return change([&](Json& document) {
     Entries entries = entriesIn(document);
     for (const std::string& name : names) {

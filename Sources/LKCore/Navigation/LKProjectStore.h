@@ -120,6 +120,8 @@ class LKProjectStore {
   enum class Reach { name, subtree };
 
   std::filesystem::path file() const;
+  const Entries& loaded() const;
+  bool areAllRegistered(std::span<const std::string> names) const;
   bool change(const std::function<void(Json&)>& apply);
   bool setArchived(std::string_view name, Reach reach, bool archived);
   bool erase(std::string_view name, Reach reach);

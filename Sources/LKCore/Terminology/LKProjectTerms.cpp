@@ -19,45 +19,10 @@ namespace {
 constexpr const char* kDefaultSingular = "project";
 constexpr const char* kDefaultPlural = "projects";
 
-template <typename Value>
-void appendDistinct(std::vector<Value>& list, const Value& value) {
-  if (std::ranges::find(list, value) == list.end()) list.push_back(value);
-}
-
 }  // namespace
 
 LKProjectTermsError LKProjectTermsError::invalid(std::string message) {
   return LKProjectTermsError(std::move(message));
-}
-
-// --- The snapshot --------------------------------------------------------------------------------
-
-void LKProjectTermsSnapshot::setKeywordTables() {
-  keywordScalars.clear();
-  keywordFirstScalars.clear();
-  keywordBreakPairs.clear();
-  for (const std::string& keyword : metadataKeywords) {
-    if (!LKProjectName::canStandInNote(keyword)) continue;
-    const std::string withColon = keyword + ":";
-    const text::Decoded first = text::decode(withColon, 0);
-    const text::Decoded second = text::decode(withColon, first.length);
-    keywordScalars.push_back({keyword, withColon});
-    appendDistinct(keywordFirstScalars, first.scalar);
-    appendDistinct(keywordBreakPairs, {first.scalar, second.scalar});
-  }
-}
-
-std::optional<size_t> LKProjectTermsSnapshot::projectNameOffset(std::string_view tagText) const {
-  for (const std::string& prefix : tagPrefixes) {
-    const auto offset = LKProjectName::offsetBelow(tagText, prefix);
-    if (offset && *offset < tagText.size()) return offset;
-  }
-  return std::nullopt;
-}
-
-std::optional<std::string> LKProjectTermsSnapshot::projectName(std::string_view tagText) const {
-  const auto offset = projectNameOffset(tagText);
-  return offset ? std::optional<std::string>(tagText.substr(*offset)) : std::nullopt;
 }
 
 namespace LKProjectTerms {
@@ -96,7 +61,7 @@ std::vector<std::string> distinct(const std::string& current, const std::vector<
   all.push_back(fallback);
   std::vector<std::string> result;
   for (const std::string& each : all) {
-    if (!each.empty()) appendDistinct(result, each);
+    if (!each.empty() && std::ranges::find(result, each) == result.end()) result.push_back(each);
   }
   return result;
 }

@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "LKCore/LexParse/Lexer.h"
+#include "LKCore/Base/Pattern.h"
+#include "LKCore/Base/Text.h"
 #include "LKCore/Navigation/LKProjectTextRewrite.h"
-#include "LKCore/Navigation/ProjectHits.h"
 
 namespace lk {
 namespace {
@@ -25,9 +26,13 @@ LKProjectTermsSnapshot termsNow() {
 
 struct RewriteCase {
   std::string name, before, after;
-  rewrite::Counts counts;
+  size_t tagHits = 0, metaHits = 0;
   bool includeSubtree = false;
 };
+
+RewriteCase unchanged(const std::string& name, const std::string& text) {
+  return {name, text, text};
+}
 
 std::string nameOf(const testing::TestParamInfo<RewriteCase>& info) {
   return info.param.name;
@@ -35,8 +40,8 @@ std::string nameOf(const testing::TestParamInfo<RewriteCase>& info) {
 
 void expectRewritten(const rewrite::Rewritten& result, const RewriteCase& expected) {
   EXPECT_EQ(result.text, expected.after);
-  EXPECT_EQ(result.counts.tagHits, expected.counts.tagHits);
-  EXPECT_EQ(result.counts.metaHits, expected.counts.metaHits);
+  EXPECT_EQ(result.counts.tagHits, expected.tagHits);
+  EXPECT_EQ(result.counts.metaHits, expected.metaHits);
 }
 
 class Rename : public testing::TestWithParam<RewriteCase> {};
@@ -50,61 +55,31 @@ TEST_P(Rename, OfAcmeToNimbus) {
 INSTANTIATE_TEST_SUITE_P(
     Texts, Rename,
     testing::Values(
-        RewriteCase{"every_word",
-                    "#projects/acme #areas/acme #clients/acme",
-                    "#clients/Nimbus #clients/Nimbus #clients/Nimbus",
-                    {3, 0}},
-        RewriteCase{"any_case",
-                    "#Projects/ACME\n- [ ] Project:Acme",
-                    "#clients/Nimbus\n- [ ] client:Nimbus",
-                    {1, 1}},
-        RewriteCase{"longer_names",
-                    "#projects/acme-2 #projects/acmes #projects/acme_",
-                    "#projects/acme-2 #projects/acmes #projects/acme_",
-                    {}},
-        RewriteCase{"letters_beyond_ascii",
-                    "#projects/acmé #projects/acmee\u0301 #projects/acme٣",
-                    "#projects/acmé #projects/acmee\u0301 #projects/acme٣",
-                    {}},
-        RewriteCase{"combining_mark", "#projects/acme\u0301", "#projects/acme\u0301", {}},
-        RewriteCase{"full_stop", "#projects/acme.", "#clients/Nimbus.", {1, 0}},
-        RewriteCase{"path_below",
-                    "#projects/acme/x\n- [ ] a project:acme/x",
-                    "#projects/acme/x\n- [ ] a project:acme/x",
-                    {}},
-        RewriteCase{"subtree",
-                    "#projects/acme/x\n- [ ] a project:acme/x area:acme b",
-                    "#clients/Nimbus/x\n- [ ] a client:Nimbus/x client:Nimbus b",
-                    {1, 2},
-                    true},
-        RewriteCase{"no_task",
-                    "Say project:acme\n* [ ] a project:acme\n- [?] project:acme",
-                    "Say project:acme\n* [ ] a project:acme\n- [?] project:acme",
-                    {}},
+        RewriteCase{"every_word", "#projects/acme #areas/acme #clients/acme",
+                    "#clients/Nimbus #clients/Nimbus #clients/Nimbus", 3, 0},
+        RewriteCase{"any_case", "#Projects/ACME\n- [ ] Project:Acme",
+                    "#clients/Nimbus\n- [ ] client:Nimbus", 1, 1},
+        unchanged("longer_names", "#projects/acme-2 #projects/acmes #projects/acme_"),
+        unchanged("letters_beyond_ascii", "#projects/acmé #projects/acmee\u0301 #projects/acme٣"),
+        unchanged("combining_mark", "#projects/acme\u0301"),
+        RewriteCase{"full_stop", "#projects/acme.", "#clients/Nimbus.", 1, 0},
+        unchanged("path_below", "#projects/acme/x\n- [ ] a project:acme/x"),
+        RewriteCase{"subtree", "#projects/acme/x\n- [ ] a project:acme/x area:acme b",
+                    "#clients/Nimbus/x\n- [ ] a client:Nimbus/x client:Nimbus b", 1, 2, true},
+        unchanged("no_task", "Say project:acme\n* [ ] a project:acme\n- [?] project:acme"),
         RewriteCase{"task_marks",
                     "\t- [x] project:acme\n  - [/]  project:acme\r\n- [X] a area:acme",
-                    "\t- [x] client:Nimbus\n  - [/]  client:Nimbus\r\n- [X] a client:Nimbus",
-                    {0, 3}},
-        RewriteCase{"word_start",
-                    "- [ ] subproject:acme (project:acme a\tproject:acme",
-                    "- [ ] subproject:acme (project:acme a\tproject:acme",
-                    {}},
-        RewriteCase{"fence",
-                    "```\n#projects/acme\n```\n#projects/acme\n ```c\n- [ ] project:acme\n```",
-                    "```\n#projects/acme\n```\n#clients/Nimbus\n ```c\n- [ ] project:acme\n```",
-                    {1, 0}},
-        RewriteCase{"unpaired_fence",
-                    "```\n```\n```\n#projects/acme",
-                    "```\n```\n```\n#clients/Nimbus",
-                    {1, 0}},
-        RewriteCase{"other_line_ends",
-                    "a\u2028- [ ] project:acme\rproject:acme",
-                    "a\u2028- [ ] client:Nimbus\rproject:acme",
-                    {0, 1}},
-        RewriteCase{"side_by_side",
-                    "#projects/acme#projects/acme",
-                    "#clients/Nimbus#clients/Nimbus",
-                    {2, 0}}),
+                    "\t- [x] client:Nimbus\n  - [/]  client:Nimbus\r\n- [X] a client:Nimbus", 0, 3},
+        unchanged("word_start", "- [ ] subproject:acme (project:acme a\tproject:acme"),
+        RewriteCase{
+            "fence", "```\n#projects/acme\n```\n#projects/acme\n ```c\n- [ ] project:acme\n```",
+            "```\n#projects/acme\n```\n#clients/Nimbus\n ```c\n- [ ] project:acme\n```", 1, 0},
+        RewriteCase{"unpaired_fence", "```\n```\n```\n#projects/acme",
+                    "```\n```\n```\n#clients/Nimbus", 1, 0},
+        RewriteCase{"other_line_ends", "a\u2028- [ ] project:acme\rproject:acme",
+                    "a\u2028- [ ] client:Nimbus\rproject:acme", 0, 1},
+        RewriteCase{"side_by_side", "#projects/acme#projects/acme",
+                    "#clients/Nimbus#clients/Nimbus", 2, 0}),
     nameOf);
 
 TEST(Rename, FindsNamesAsTheyAreSpelledElsewhere) {
@@ -125,27 +100,18 @@ class Reterm : public testing::TestWithParam<RewriteCase> {};
 
 TEST_P(Reterm, BringsEarlierWordsUpToDate) {
   expectRewritten(rewrite::reterm(GetParam().before, termsNow()), GetParam());
-  EXPECT_EQ(rewrite::reterm(GetParam().after, termsNow()),
-            (rewrite::Rewritten{GetParam().after, {}}));
+  EXPECT_EQ(rewrite::reterm(GetParam().after, termsNow()), (rewrite::Rewritten{GetParam().after}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, Reterm,
-    testing::Values(
-        RewriteCase{"words",
-                    "#projects/x/Y, #Areas/z\n- [ ] a project:x AREA:z",
-                    "#clients/x/Y, #clients/z\n- [ ] a client:x client:z",
-                    {2, 2}},
-        RewriteCase{"in_use_stay", "#Clients/x\n- [ ] Client:x", "#Clients/x\n- [ ] Client:x", {}},
-        RewriteCase{"no_name",
-                    "#projects/ #projects #projects/.\n- [ ] project: a",
-                    "#projects/ #projects #projects/.\n- [ ] project: a",
-                    {}},
-        RewriteCase{"name_like_a_word",
-                    "#projects/projects/x\n- [ ] project:#areas/x",
-                    "#clients/projects/x\n- [ ] client:#clients/x",
-                    {2, 1}},
-        RewriteCase{"fence", "```\n#areas/x\n```", "```\n#areas/x\n```", {}}),
+    testing::Values(RewriteCase{"words", "#projects/x/Y, #Areas/z\n- [ ] a project:x AREA:z",
+                                "#clients/x/Y, #clients/z\n- [ ] a client:x client:z", 2, 2},
+                    unchanged("in_use_stay", "#Clients/x\n- [ ] Client:x"),
+                    unchanged("no_name", "#projects/ #projects #projects/.\n- [ ] project: a"),
+                    RewriteCase{"name_like_a_word", "#projects/projects/x\n- [ ] project:#areas/x",
+                                "#clients/projects/x\n- [ ] client:#clients/x", 2, 1},
+                    unchanged("fence", "```\n#areas/x\n```")),
     nameOf);
 
 struct StripCase : RewriteCase {
@@ -165,37 +131,28 @@ const char* const kMixed = "a #areas/acme b\n- [ ] c area:acme d #areas/acme\n- 
 INSTANTIATE_TEST_SUITE_P(
     Texts, Strip,
     testing::Values(
-        StripCase{{"all", kMixed, "a b\n- [ ] c d\n- [ ] e", {2, 2}}},
-        StripCase{{"body_tags",
-                   kMixed,
-                   "a b\n- [ ] c area:acme d #areas/acme\n- [ ] area:other e",
-                   {1, 0}},
-                  rewrite::StripBodyTags{}},
-        StripCase{{"tokens", kMixed, "a #areas/acme b\n- [ ] c d #areas/acme\n- [ ] e", {0, 2}},
+        StripCase{{"all", kMixed, "a b\n- [ ] c d\n- [ ] e", 2, 2}},
+        StripCase{
+            {"body_tags", kMixed, "a b\n- [ ] c area:acme d #areas/acme\n- [ ] area:other e", 1, 0},
+            rewrite::StripBodyTags{}},
+        StripCase{{"tokens", kMixed, "a #areas/acme b\n- [ ] c d #areas/acme\n- [ ] e", 0, 2},
                   rewrite::StripTaskMeta{}},
-        StripCase{{"one_line",
-                   kMixed,
-                   "a #areas/acme b\n- [ ] c d #areas/acme\n- [ ] area:other e",
-                   {0, 1}},
+        StripCase{{"one_line", kMixed, "a #areas/acme b\n- [ ] c d #areas/acme\n- [ ] area:other e",
+                   0, 1},
                   rewrite::StripTaskMeta{1}},
-        StripCase{{"line_that_is_not_there", kMixed, kMixed, {}}, rewrite::StripTaskMeta{9}},
-        StripCase{{"line_behind_the_block",
-                   "---\nid: 1\n---\n\n- [ ] area:acme\n- [ ] area:acme",
-                   "---\nid: 1\n---\n\n- [ ] area:acme\n- [ ] ",
-                   {0, 1}},
+        StripCase{unchanged("line_that_is_not_there", kMixed), rewrite::StripTaskMeta{9}},
+        StripCase{{"line_behind_the_block", "---\nid: 1\n---\n\n- [ ] area:acme\n- [ ] area:acme",
+                   "---\nid: 1\n---\n\n- [ ] area:acme\n- [ ] ", 0, 1},
                   rewrite::StripTaskMeta{1}},
-        StripCase{{"block_stays",
-                   "---\nx: #areas/acme\n---\n#areas/acme x",
-                   "---\nx: #areas/acme\n---\nx",
-                   {1, 0}}},
+        StripCase{{"block_stays", "---\nx: #areas/acme\n---\n#areas/acme x",
+                   "---\nx: #areas/acme\n---\nx", 1, 0}},
         StripCase{{"mark_and_level_stay",
                    "\t- [ ] area:acme area:other\n\t#areas/acme x\n- #areas/acme",
-                   "\t- [ ] \n\tx\n- ",
-                   {2, 2}}},
-        StripCase{{"one_blank", "a  #areas/acme  b (#areas/acme)", "a   b ()", {2, 0}}},
-        StripCase{{"other_names", "#areas/acme/x #areas/acmes", "#areas/acme/x #areas/acmes", {}}},
+                   "\t- [ ] \n\tx\n- ", 2, 2}},
+        StripCase{{"one_blank", "a  #areas/acme  b (#areas/acme)", "a   b ()", 2, 0}},
+        StripCase{unchanged("other_names", "#areas/acme/x #areas/acmes")},
         StripCase{
-            {"fence", "#areas/acme\n```\n#areas/acme\n```", "\n```\n#areas/acme\n```", {1, 0}}}),
+            {"fence", "#areas/acme\n```\n#areas/acme\n```", "\n```\n#areas/acme\n```", 1, 0}}),
     [](const auto& info) { return info.param.name; });
 
 TEST(ProjectNames, AreRenamedWithTheirSubtree) {
@@ -230,92 +187,54 @@ TEST(CodeBlocks, AreStretchesOfWholeLines) {
 // --- Over many texts -----------------------------------------------------------------------------
 
 std::string randomText(std::mt19937& random) {
-  static const std::vector<std::string> kParts = {"#projects/acme",
-                                                  "#areas/",
-                                                  "Acme",
-                                                  "acme",
-                                                  "/",
-                                                  "- [ ] ",
-                                                  "\t",
-                                                  " project:acme",
-                                                  " client:acme",
-                                                  " ",
-                                                  "\n",
-                                                  "\n```\n",
-                                                  ".",
-                                                  "é",
-                                                  "-",
-                                                  "#",
-                                                  "x",
-                                                  "area:",
-                                                  "\r",
-                                                  "日本",
-                                                  "- [x]"};
+  static const auto kParts = text::split(
+      "#projects/acme|#areas/|Acme|acme|/|- [ ] |\t| project:acme| client:acme| "
+      "|\n|\n```\n|.|é|-|#|"
+      "x|area:|日本|- [x]|\n- [/] ",
+      '|');
   std::string text;
   for (int i = 0; i < 40; ++i) text += kParts[random() % kParts.size()];
   return text;
 }
 
-// What stays of a text when every hit of the name is cut out.
-struct Rest {
-  std::string text;
-  size_t hits = 0;
-};
-
-Rest withoutHits(std::string_view text, std::string_view name, bool includeSubtree) {
-  const auto terms = termsNow();
-  const auto set = includeSubtree ? rewrite::kNameContinuation : rewrite::kPathContinuation;
-  Rest rest;
-  size_t copied = 0;
-  for (const TextRange& stretch : stretchesOutsideFences(text)) {
-    const auto end = [&](std::string_view line, size_t start, ProjectHit::Kind) {
-      const auto spelled = spelledEnd(line, start, name);
-      return spelled && rewrite::isBoundary(line, *spelled, set) ? spelled : std::nullopt;
-    };
-    for (const ProjectHit& hit : findProjectHits(stretch.of(text), ProjectWords(terms), end)) {
-      rest.text.append(text.substr(copied, stretch.start + hit.range.start - copied));
-      copied = stretch.start + hit.range.end;
-      ++rest.hits;
-    }
+// The rename said again with patterns, line by line.
+std::string modelRename(std::string_view text, bool includeSubtree) {
+  const std::string over =
+      std::string("acme(?![\\p{L}\\p{M}\\p{Nd}_") + (includeSubtree ? "-])" : "/-])");
+  const Pattern tag("#(clients|areas|projects)/" + over, Pattern::Case::insensitive);
+  const Pattern token("(?<= )(client|area|project):" + over, Pattern::Case::insensitive);
+  const Pattern task(R"(^[ \t]*- \[[ xX/-]\]( |$))");
+  std::vector<std::string_view> lines = text::split(text, '\n');
+  std::vector<size_t> fences;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    if (text::trimmedBlanks(lines[i]).starts_with("```")) fences.push_back(i);
   }
-  rest.text.append(text.substr(copied));
-  return rest;
+  std::string result;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const auto before =
+        static_cast<size_t>(std::ranges::lower_bound(fences, i + 1) - fences.begin());
+    const bool isFence = before > 0 && fences[before - 1] == i;
+    const bool isFenced = before > 0 && (before % 2 == 0 ? isFence : before < fences.size());
+    std::string line(lines[i]);
+    if (!isFenced) line = tag.replacingAll(line, "#clients/nimbus");
+    if (!isFenced && task.matches(line)) line = token.replacingAll(line, "client:nimbus");
+    result.append(i == 0 ? "" : "\n").append(line);
+  }
+  return result;
 }
 
 TEST(ProjectRewrites, LeaveNoHitAndEveryOtherByte) {
   std::mt19937 random(20260314);
   size_t hits = 0;
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 2000; ++round) {
     const std::string text = randomText(random);
     const bool subtree = round % 2 == 0;
     const auto renamed = rewrite::rename(text, "acme", "nimbus", subtree, termsNow());
-    const Rest before = withoutHits(text, "acme", subtree);
-    ASSERT_EQ(withoutHits(renamed.text, "acme", subtree).hits, 0U) << text;
-    ASSERT_EQ(before.hits, renamed.counts.tagHits + renamed.counts.metaHits);
-    if (text.find("nimbus") == std::string::npos) {
-      ASSERT_EQ(withoutHits(renamed.text, "nimbus", subtree).text, before.text) << text;
-    }
-    hits += before.hits;
+    ASSERT_EQ(renamed.text, modelRename(text, subtree)) << text;
+    ASSERT_EQ(modelRename(renamed.text, subtree), renamed.text) << "a hit is left";
+    hits += renamed.counts.tagHits + renamed.counts.metaHits;
   }
-  EXPECT_GT(hits, 3000U);
-}
-
-// A token that the lexer reads with this very value is a hit.
-TEST(ProjectRewrites, FindTheTokensOfTheLexer) {
-  std::mt19937 random(7);
-  const auto terms = std::make_shared<const LKProjectTermsSnapshot>(termsNow());
-  size_t seen = 0;
-  for (int round = 0; round < 1000; ++round) {
-    const std::string renamed =
-        rewrite::rename(randomText(random) + "\n```\n", "acme", "nimbus", true, *terms).text;
-    if (renamed.find("```") != renamed.rfind("```")) continue;  // the lexer tracks no fences
-    for (const LToken& token : Lexer(renamed, terms).lex()) {
-      if (token.kind != LTokenKind::taskMeta) continue;
-      EXPECT_NE(token.text, "acme") << renamed;
-      seen += token.text == "nimbus" ? 1 : 0;
-    }
-  }
-  EXPECT_GT(seen, 50U);
+  EXPECT_GT(hits, 2000U);
 }
 
 TEST(ProjectRewrites, TakeTimeLinearInHostileText) {
