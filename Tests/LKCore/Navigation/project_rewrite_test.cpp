@@ -100,7 +100,8 @@ class Reterm : public testing::TestWithParam<RewriteCase> {};
 
 TEST_P(Reterm, BringsEarlierWordsUpToDate) {
   expectRewritten(rewrite::reterm(GetParam().before, termsNow()), GetParam());
-  EXPECT_EQ(rewrite::reterm(GetParam().after, termsNow()), (rewrite::Rewritten{GetParam().after}));
+  EXPECT_EQ(rewrite::reterm(GetParam().after, termsNow()),
+            (rewrite::Rewritten{GetParam().after, {}}));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -153,7 +154,7 @@ INSTANTIATE_TEST_SUITE_P(
         StripCase{unchanged("other_names", "#areas/acme/x #areas/acmes")},
         StripCase{
             {"fence", "#areas/acme\n```\n#areas/acme\n```", "\n```\n#areas/acme\n```", 1, 0}}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST(ProjectNames, AreRenamedWithTheirSubtree) {
   const auto name = [](const char* text, bool subtree) {
