@@ -18,16 +18,16 @@ bool isASCII(char c) {
 
 // --- Spelling ------------------------------------------------------------------------------------
 
-// A scalar and the letters and marks beyond ASCII that follow it: in most text one ASCII
-// character. Accents stay with their letter, and letters whose lower case depends on their
-// neighbours stay together.
+// A run of letters and marks, or else one scalar. A run is compared as a whole, since accents may
+// be composed or not and a letter's lower case may depend on its neighbours.
 std::string_view pieceAt(std::string_view text, size_t at) {
-  size_t end = at + text::decode(text, at).length;
-  while (end < text.size() && !isASCII(text[end])) {
+  size_t end = at;
+  while (end < text.size()) {
     const text::Decoded d = text::decode(text, end);
     if (!text::isLetter(d.scalar)) break;
     end += d.length;
   }
+  if (end == at) end += text::decode(text, at).length;
   return text.substr(at, end - at);
 }
 
@@ -36,7 +36,9 @@ char lowercasedASCII(char c) {
 }
 
 bool isSamePiece(std::string_view a, std::string_view b) {
-  if (a.size() == 1 && b.size() == 1) return lowercasedASCII(a[0]) == lowercasedASCII(b[0]);
+  // Most words differ at their start, and that costs nothing.
+  const bool beginASCII = isASCII(a.front()) && isASCII(b.front());
+  if (beginASCII && lowercasedASCII(a.front()) != lowercasedASCII(b.front())) return false;
   return text::equalIgnoringCase(a, b);
 }
 

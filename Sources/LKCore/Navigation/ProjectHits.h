@@ -44,7 +44,7 @@ std::vector<ProjectHit> findProjectHits(std::string_view text, const ProjectWord
                                         const ProjectNameEnd& nameEnd);
 
 // Where `wanted` ends if the text at `at` spells it, in any case and whether accents are composed
-// or not. A letter with marks matches as a whole or not at all.
+// or not. A run of letters matches as a whole or not at all: "acmes" does not spell "acme".
 std::optional<size_t> spelledEnd(std::string_view text, size_t at, std::string_view wanted);
 
 // The length of a task's mark with its indentation at the start of the line, e.g. "\t- [ ] ", as
