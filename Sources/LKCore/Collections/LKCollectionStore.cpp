@@ -14,6 +14,7 @@
 #include "LKCore/Collections/LKSharedContainer.h"
 #include "LKCore/Platform/Directories.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/SharedFile.h"
 
 namespace lk {
 
@@ -121,36 +122,25 @@ void LKCollectionStore::change(const Change& apply) {
 
 // Applies the change to what the file holds by now, which may be more than this store has loaded.
 CollectionRegistry LKCollectionStore::changeFile(const Change& apply) {
-  createFolders(folders_.support);
-  const fs::path file = registryFile();
-  if (!nameIsTaken(file) && createFile(file, registry_->text())) {
-    log::debug("Made the collection registry " + file.string());
-  }
-  const FileLock lock = FileLock::forUpdate(file);
-  const std::string before = readFile(lock.path());
-  CollectionRegistry registry;
-  try {
-    registry = CollectionRegistry::decode(before);
-  } catch (const JsonError&) {
-    keepAside(before);
-  }
-  apply(registry);
-  const std::string after = registry.text();
-  if (after != before) replaceFile(lock.path(), after);
-  return registry;
+  CollectionRegistry changed;
+  changeSharedFile(registryFile(), registry_->text(), [&](const std::string& before) {
+    changed = decodeOrKeepAside(before);
+    apply(changed);
+    return changed.text();
+  });
+  return changed;
 }
 
 // A registry that does not decode may still be mended by hand, so it is not written over before
 // its bytes are safe under another name.
-void LKCollectionStore::keepAside(const std::string& bytes) {
-  std::string stamp = formatISO8601(clock_());
-  std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
-  const std::string start = "collections.damaged-" + stamp;
-  fs::path kept = folders_.support / (start + ".json");
-  for (int n = 2; !createFile(kept, bytes); ++n) {
-    kept = folders_.support / (start + "-" + std::to_string(n) + ".json");
+CollectionRegistry LKCollectionStore::decodeOrKeepAside(const std::string& bytes) {
+  try {
+    return CollectionRegistry::decode(bytes);
+  } catch (const JsonError&) {
+    const fs::path kept = keepDamagedFile(registryFile(), bytes, clock_());
+    warn("The damaged collection registry was kept as " + kept.string() + ".");
+    return {};
   }
-  warn("The damaged collection registry was kept as " + kept.string() + ".");
 }
 
 LKCollectionRecord LKCollectionStore::plannedDefaultCollection() const {

@@ -126,7 +126,7 @@ class LKCollectionStore {
   void adopt(CollectionRegistry registry, std::vector<std::string>* problems = nullptr);
   void change(const Change& apply);
   CollectionRegistry changeFile(const Change& apply);
-  void keepAside(const std::string& bytes);
+  CollectionRegistry decodeOrKeepAside(const std::string& bytes);
   void warn(std::string message);
 
   Folders folders_;
