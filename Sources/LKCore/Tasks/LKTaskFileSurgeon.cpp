@@ -51,7 +51,7 @@ struct CacheUpdate {
 
 }  // namespace
 
-LKTaskFileSurgeon::LKTaskFileSurgeon(LKTaskCache& cache, Clock clock)
+LKTaskFileSurgeon::LKTaskFileSurgeon(LKTaskCache* cache, Clock clock)
     : cache_(cache), clock_(std::move(clock)) {}
 
 bool LKTaskFileSurgeon::setStatus(const LKTaskReference& task, int raw) {
@@ -61,7 +61,7 @@ bool LKTaskFileSurgeon::setStatus(const LKTaskReference& task, int raw) {
 bool LKTaskFileSurgeon::markDone(const UUID& noteID, const UUID& taskID, const UUID& collectionID) {
   std::optional<LKTaskCache::Place> place;
   try {
-    place = cache_.placeOfTask(noteID, taskID, collectionID);
+    if (cache_ != nullptr) place = cache_->placeOfTask(noteID, taskID, collectionID);
   } catch (const std::exception& error) {
     log::warning(std::string("task lookup failed: ") + error.what());
   }
@@ -170,8 +170,9 @@ std::optional<EditedTaskFile> LKTaskFileSurgeon::edited(const fs::path& file, co
 
 void LKTaskFileSurgeon::updateCache(const UUID& taskID, const TaskEdit& edit,
                                     const std::string& line) {
+  if (cache_ == nullptr) return;
   try {
-    std::visit(CacheUpdate{cache_, taskID, line, clock_()}, edit);
+    std::visit(CacheUpdate{*cache_, taskID, line, clock_()}, edit);
   } catch (const std::exception& error) {
     log::warning(std::string("task cache update failed: ") + error.what());
   }
@@ -196,8 +197,9 @@ void LKTaskFileSurgeon::announce(const LKTaskReference& task, const TaskEdit& ed
 
 std::optional<fs::path> LKTaskFileSurgeon::urlOf(const LKTaskReference& task) {
   if (const auto* const url = std::get_if<fs::path>(&task.note)) return *url;
+  if (cache_ == nullptr) return std::nullopt;
   try {
-    return cache_.urlOfNote(std::get<UUID>(task.note));
+    return cache_->urlOfNote(std::get<UUID>(task.note));
   } catch (const std::exception& error) {
     log::warning(std::string("note lookup failed: ") + error.what());
     return std::nullopt;

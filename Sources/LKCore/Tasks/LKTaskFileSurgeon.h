@@ -27,7 +27,7 @@ struct LKTaskReference {
 // Changes a task in its file and leaves every other byte as it was. For notes that no editor has
 // open.
 //
-//     LKTaskFileSurgeon surgeon(cache);
+//     LKTaskFileSurgeon surgeon(&cache);
 //     surgeon.setStatus({noteID, taskID}, static_cast<int>(TaskStatus::done));
 //     surgeon.setDueDate({url, taskID, 3}, Day{2026, 3, 20});
 //
@@ -41,8 +41,8 @@ struct LKTaskReference {
 // is for one thread at a time; LKTaskEditQueue.h gives it a thread of its own.
 class LKTaskFileSurgeon {
  public:
-  // The cache must outlive the surgeon.
-  explicit LKTaskFileSurgeon(LKTaskCache& cache, Clock clock = Instant::now);
+  // The cache must outlive the surgeon; without one, notes are known by their paths alone.
+  explicit LKTaskFileSurgeon(LKTaskCache* cache, Clock clock = Instant::now);
 
   // Called before each write, without the lock; false refuses the edit. May save an open document
   // to the same file: the edit is made to what then is in it.
@@ -63,6 +63,9 @@ class LKTaskFileSurgeon {
   bool setComment(const LKTaskReference& task, size_t commentOffset, const std::string& newText);
   bool setComments(const LKTaskReference& task, const std::vector<std::string>& lines);
 
+  // What all of the above come down to.
+  bool perform(const LKTaskReference& task, const TaskEdit& edit);
+
   // These only read; a task or a file that is not there has no comments.
   std::vector<std::string> comments(const LKTaskReference& task);
   std::vector<std::string> commentLinesPreservingIndent(const LKTaskReference& task);
@@ -73,7 +76,6 @@ class LKTaskFileSurgeon {
   static int nextStatus(int raw);
 
  private:
-  bool perform(const LKTaskReference& task, const TaskEdit& edit);
   std::optional<EditedTaskFile> editFile(const LKTaskReference& task, const TaskEdit& edit);
   // `url` is the name that the hooks know, `file` where it leads.
   std::optional<EditedTaskFile> edited(const std::filesystem::path& file,
@@ -84,7 +86,7 @@ class LKTaskFileSurgeon {
   std::optional<std::filesystem::path> urlOf(const LKTaskReference& task);
   std::optional<FileMap> mapOf(const std::filesystem::path& url);
 
-  LKTaskCache& cache_;
+  LKTaskCache* cache_;
   Clock clock_;
 };
 

@@ -134,6 +134,10 @@ std::optional<EditedTaskFile> editTask(std::string_view content, const UUID& tas
   if (snapshot) adoptSnapshot(map, *snapshot);
   const auto line = map.locateTask(taskID, fallbackParagraphIndex);
   if (!line || !std::visit(TaskOperation(map, *line, taskID), edit)) return std::nullopt;
+  // A task that was found elsewhere than its entry says: the new lines may hold its twin there.
+  if (TaskEntry* const entry = map.frontMatterDirty ? map.entryOf(taskID) : nullptr) {
+    entry->paragraphIndex = static_cast<int>(*line - map.bodyStart);
+  }
   map.rebuildFrontMatterIfNeeded();
   return EditedTaskFile{map.joined(), map.lines[*line], commentsOf(map, *line), map.noteID};
 }

@@ -71,8 +71,8 @@ struct EditedTaskFile {
 // task cannot be located, the edit does not fit its line, or a given text holds a newline scalar.
 //
 // Changes the task's line, or the comment lines under it, and where those move lines or where the
-// task's stored hash would no longer fit, the two lines of the block that say where tasks are. No
-// other byte. With a snapshot whose ids fit its body the task lines are known from that.
+// task's stored hash would no longer fit, the two lines of the block that say where tasks are; the
+// task's own place is then told anew. No other byte. With a snapshot whose ids fit its body the task lines are known from that.
 std::optional<EditedTaskFile> editTask(std::string_view content, const UUID& taskID,
                                        int fallbackParagraphIndex, const TaskEdit& edit,
                                        const std::optional<OpenNoteSnapshot>& snapshot = {});
