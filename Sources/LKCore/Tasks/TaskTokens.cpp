@@ -86,7 +86,7 @@ std::optional<TextRange> findToken(std::string_view line, const TaskToken& token
 
 std::vector<TextRange> tokens(std::string_view line, const TaskToken& token) {
   std::vector<TextRange> found;
-  for (size_t from = 0; const auto range = findToken(line, token, from); from = range->end) {
+  for (auto range = findToken(line, token); range; range = findToken(line, token, range->end)) {
     found.push_back(*range);
   }
   return found;
