@@ -4,6 +4,7 @@
 // An input is a byte that chooses the edit, a byte for its number, a line of text for it, and the
 // file.
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
