@@ -7,6 +7,7 @@
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/NoteFiles/LKSyncError.h"
 #include "LKCore/NoteFiles/NoteBlock.h"
+#include "LKCore/NoteFiles/NoteLists.h"
 
 namespace lk {
 
@@ -60,25 +61,17 @@ void appendFlag(std::string& file, std::string_view key, bool isSet) {
 }
 
 void appendFolded(std::string& file, const std::vector<int>& indices) {
-  if (indices.empty()) return;
-  std::string list;
-  for (const int index : indices) {
-    if (!list.empty()) list.push_back(',');
-    list.append(std::to_string(index));
-  }
-  appendLine(file, "lk-folded", list);
+  if (!indices.empty()) appendLine(file, "lk-folded", indexListText(indices));
 }
 
-void appendTasks(std::string& file, const std::vector<TaskEntry>& entries) {
+void appendTasks(std::string& file, std::vector<TaskEntry> entries) {
   if (entries.empty()) return;
-  std::string list;
-  for (const TaskEntry& entry : entries) {
-    if (!list.empty()) list.push_back(',');
-    list.append(std::to_string(entry.paragraphIndex)).append(":").append(entry.id.text());
-    const std::string hash = oneLine(entry.hash.value_or(""));
-    if (!hash.empty() && hash.find(',') == std::string::npos) list.append(":").append(hash);
+  for (TaskEntry& entry : entries) {
+    std::string hash = oneLine(entry.hash.value_or(""));
+    if (hash.find(',') != std::string::npos) hash.clear();
+    entry.hash = std::move(hash);
   }
-  appendLine(file, "lk-tasks", list);
+  appendLine(file, "lk-tasks", taskListText(entries));
 }
 
 void appendDaily(std::string& file, const std::optional<Day>& day) {

@@ -5,6 +5,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKIndentation.h"
+#include "LKCore/NoteFiles/NoteLists.h"
 
 namespace lk {
 
@@ -24,33 +25,6 @@ Line lineAt(std::string_view text, size_t start) {
   return {text.substr(start, newline.start - start), newline.start + newline.length};
 }
 
-// Calls `use` with each trimmed piece between commas.
-template <typename Use>
-void forEachPiece(std::string_view list, Use use) {
-  for (size_t start = 0; start <= list.size();) {
-    const size_t comma = std::min(list.find(',', start), list.size());
-    use(text::trimmedBlanks(list.substr(start, comma - start)));
-    start = comma + 1;
-  }
-}
-
-std::optional<TaskEntry> taskEntry(std::string_view piece) {
-  const size_t first = piece.find(':');
-  if (first == std::string_view::npos) return std::nullopt;
-  const size_t second = std::min(piece.find(':', first + 1), piece.size());
-  TaskEntry entry;
-  const std::optional<UUID> id = UUID::parse(piece.substr(first + 1, second - first - 1));
-  if (!id || !text::parseInteger(piece.substr(0, first), entry.paragraphIndex)) {
-    return std::nullopt;
-  }
-  entry.id = *id;
-  if (second < piece.size()) {
-    const std::string_view hash = text::trimmedBlanks(piece.substr(second + 1));
-    if (!hash.empty()) entry.hash = hash;
-  }
-  return entry;
-}
-
 // A readable value wins over an unreadable one in another line.
 void readID(ScannedBlock& block, std::string_view value) {
   if (const auto id = UUID::parse(value)) block.fields.id = id;
@@ -65,11 +39,7 @@ void readTitle(ScannedBlock& block, std::string_view value) {
 }
 
 void readFolded(ScannedBlock& block, std::string_view value) {
-  std::vector<int>& indices = block.fields.foldedIndices.emplace();
-  forEachPiece(value, [&](std::string_view piece) {
-    int index = 0;
-    if (text::parseInteger(piece, index)) indices.push_back(index);
-  });
+  block.fields.foldedIndices = readIndexList(value);
 }
 
 void readCursor(ScannedBlock& block, std::string_view value) {
@@ -83,10 +53,7 @@ void readDaily(ScannedBlock& block, std::string_view value) {
 }
 
 void readTasks(ScannedBlock& block, std::string_view value) {
-  std::vector<TaskEntry>& entries = block.fields.taskEntries.emplace();
-  forEachPiece(value, [&](std::string_view piece) {
-    if (auto entry = taskEntry(piece)) entries.push_back(std::move(*entry));
-  });
+  block.fields.taskEntries = readTaskList(value);
 }
 
 template <std::optional<bool> SalvagedFields::*Flag>
