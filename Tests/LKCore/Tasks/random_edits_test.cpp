@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <random>
 
 #include "LKCore/Base/Pattern.h"
@@ -31,8 +32,13 @@ std::string textOf(const Lines& lines) {
 
 // --- The model -----------------------------------------------------------------------------------
 
+const Pattern& patternOf(const std::string& source) {
+  static std::map<std::string, Pattern> compiled;
+  return compiled.try_emplace(source, source).first->second;
+}
+
 std::string without(const std::string& line, const char* pattern) {
-  return Pattern(pattern, Pattern::Case::sensitive).replacingAll(line, "");
+  return patternOf(pattern).replacingAll(line, "");
 }
 
 std::string withLast(const std::string& line, const std::string& word) {
@@ -48,7 +54,7 @@ struct ModelEntry {
 class ModelNote {
  public:
   explicit ModelNote(const std::string& text) : lines_(linesOf(text)) {
-    const Pattern fence(R"(^\s*---\s*$)");
+    const Pattern& fence = patternOf(R"(^\s*---\s*$)");
     if (!fence.matches(lines_[0])) return;
     size_t closing = 1;
     while (closing < lines_.size() && !fence.matches(lines_[closing])) ++closing;
@@ -77,7 +83,7 @@ class ModelNote {
     if (!at) return std::nullopt;
     const std::string before = textOf(lines_);
     size_t end = *at + 1;
-    while (end < lines_.size() && Pattern(R"(^\s*>(\s*$| ))").matches(lines_[end])) ++end;
+    while (end < lines_.size() && patternOf(R"(^\s*>(\s*$| ))").matches(lines_[end])) ++end;
     if (const auto* all = std::get_if<SetTaskComments>(&edit)) {
       Lines changed;
       for (const std::string& line : all->lines) changed.push_back(commentFrom(line, *at));
@@ -104,7 +110,8 @@ class ModelNote {
   void readBlockLine(size_t i) {
     if (lines_[i].starts_with("lk-tasks:")) {
       tasksLine_ = i;
-      const Pattern item(R"((?:^lk-tasks: |,)(-?\d+):([0-9A-F-]{36})(?::(\w+))?(?=[,\s]|$))");
+      const Pattern& item =
+          patternOf(R"((?:^lk-tasks: |,)(-?\d+):([0-9A-F-]{36})(?::(\w+))?(?=[,\s]|$))");
       for (const auto& match : item.findAll(lines_[i])) {
         entries_.push_back({std::stoi(std::string(match[1]->of(lines_[i]))),
                             std::string(match[2]->of(lines_[i])),
@@ -112,7 +119,7 @@ class ModelNote {
       }
     } else if (lines_[i].starts_with("lk-folded:")) {
       foldedLine_ = i;
-      for (const auto& match : Pattern(R"(\d+)").findAll(lines_[i])) {
+      for (const auto& match : patternOf(R"(\d+)").findAll(lines_[i])) {
         folded_.push_back(std::stoi(std::string(match[0]->of(lines_[i]))));
       }
     }
@@ -123,7 +130,7 @@ class ModelNote {
   }
   bool isTaskAt(int index) const {
     return index >= 0 && start_ + static_cast<size_t>(index) < lines_.size() &&
-           Pattern(R"(^[ \t]*- \[[ /x-]\] )").matches(lines_[*place(index)]);
+           patternOf(R"(^[ \t]*- \[[ /x-]\] )").matches(lines_[*place(index)]);
   }
   std::optional<size_t> place(int index) const { return start_ + static_cast<size_t>(index); }
   static bool fits(const std::string& line, const std::string& stored) {
