@@ -56,9 +56,12 @@ void setDidResolveHandler(Handler handler) {
   {
     const std::lock_guard guard(state().mutex);
     container = state().container;
-    if (!container) state().handler = std::move(handler);
+    if (!container) {
+      state().handler = std::move(handler);
+      return;
+    }
   }
-  if (container && handler) handler(*container);
+  if (handler) handler(*container);
 }
 
 }  // namespace lk::LKSharedContainer

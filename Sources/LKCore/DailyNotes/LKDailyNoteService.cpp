@@ -20,7 +20,7 @@ fs::path dailyNoteURL(Day day, const fs::path& collection) {
 }
 
 fs::path createIfNeeded(Day day, const fs::path& collection, const std::string& initialBody) {
-  const fs::path url = dailyNoteURL(day, collection);
+  fs::path url = dailyNoteURL(day, collection);
   if (nameIsTaken(url)) return url;
   NewNote note;
   note.body = initialBody;

@@ -80,8 +80,8 @@ void replaceKey(std::vector<BlockPart>& parts, size_t key, std::string text) {
     return;
   }
   first->text = std::move(text);
-  const auto [rest, end] = std::ranges::remove(first + 1, parts.end(), key, &BlockPart::key);
-  parts.erase(rest, end);
+  const auto isFurther = [&](const BlockPart& part) { return part.key == key; };
+  parts.erase(std::remove_if(first + 1, parts.end(), isFurther), parts.end());
 }
 
 std::string blockOf(std::string_view file) {
