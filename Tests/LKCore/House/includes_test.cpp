@@ -25,6 +25,8 @@ const std::vector<std::vector<std::string>> kFloors = {
     {"LexParse", "ParagraphModel"},
     {"Tasks", "Navigation"},
     {"Tags"},
+    {"DataModel"},
+    {"Backlinks", "CacheSync"},
     {"NoteRepository"},
     {"DailyNotes"},
 };
