@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <limits>
 
 #include "LKCore/Base/Text.h"
 
@@ -165,7 +166,9 @@ std::optional<bool> boolMember(const Json& object, const char* key) {
 std::optional<int64_t> integerMember(const Json& object, const char* key) {
   const Json* value = member(object, key);
   if (value == nullptr) return std::nullopt;
-  if (!value->is_number_integer()) throw wrongType(key, "an integer");
+  const bool fits = !value->is_number_unsigned() ||
+                    value->get<uint64_t>() <= uint64_t{std::numeric_limits<int64_t>::max()};
+  if (!value->is_number_integer() || !fits) throw wrongType(key, "an integer");
   return value->get<int64_t>();
 }
 

@@ -9,6 +9,7 @@
 #include <unicode/utext.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
@@ -25,17 +26,20 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0U) == 0x80U;
 }
 
+// The first byte at or after `from` that is not ASCII, or the text's size.
+size_t asciiEnd(std::string_view text, size_t from) {
+  size_t i = from;
+  for (; i + 16 <= text.size(); i += 16) {
+    std::array<uint64_t, 2> words{};
+    std::memcpy(words.data(), text.data() + i, 16);
+    if (((words[0] | words[1]) & 0x8080808080808080ULL) != 0) break;
+  }
+  while (i < text.size() && static_cast<unsigned char>(text[i]) < 0x80) ++i;
+  return i;
+}
+
 bool isASCII(std::string_view text) {
-  size_t i = 0;
-  for (; i + 8 <= text.size(); i += 8) {
-    uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, 8);
-    if ((word & 0x8080808080808080ULL) != 0) return false;
-  }
-  for (; i < text.size(); ++i) {
-    if (static_cast<unsigned char>(text[i]) >= 0x80) return false;
-  }
-  return true;
+  return asciiEnd(text, 0) == text.size();
 }
 
 // A well-formed sequence at `offset`, or length 0.
@@ -138,7 +142,7 @@ bool isValidUTF8(std::string_view bytes) {
   size_t i = 0;
   while (i < bytes.size()) {
     if (static_cast<unsigned char>(bytes[i]) < 0x80) {
-      ++i;
+      i = asciiEnd(bytes, i);
       continue;
     }
     const Decoded d = decodeStrictly(bytes, i);
@@ -148,7 +152,7 @@ bool isValidUTF8(std::string_view bytes) {
   return true;
 }
 
-Decoded decode(std::string_view text, size_t offset) {
+Decoded decodeBeyondASCII(std::string_view text, size_t offset) {
   const Decoded d = decodeStrictly(text, offset);
   return d.length == 0 ? Decoded{kReplacement, 1} : d;
 }
@@ -227,8 +231,7 @@ bool isNewline(char32_t scalar) {
          scalar == 0x2029;
 }
 
-bool isBlank(char32_t scalar) {
-  if (scalar < 0x80) return isSpaceOrTab(scalar);
+bool isBlankBeyondASCII(char32_t scalar) {
   return u_charType(static_cast<UChar32>(scalar)) == U_SPACE_SEPARATOR;
 }
 
@@ -346,6 +349,8 @@ std::string composed(std::string_view text) {
   if (isASCII(text)) return std::string(text);
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
+  const icu::StringPiece piece(text.data(), static_cast<int32_t>(text.size()));
+  if (U_SUCCESS(status) && nfc->isNormalizedUTF8(piece, status)) return std::string(text);
   const icu::UnicodeString result = nfc->normalize(toUnicodeString(text), status);
   return U_FAILURE(status) ? std::string(text) : toUTF8(result);
 }

@@ -24,8 +24,13 @@ struct Decoded {
 
 bool isValidUTF8(std::string_view bytes);
 
+Decoded decodeBeyondASCII(std::string_view text, size_t offset);
+
 // The scalar that begins at byte `offset`, which must be below the text's size.
-Decoded decode(std::string_view text, size_t offset);
+inline Decoded decode(std::string_view text, size_t offset) {
+  const auto byte = static_cast<unsigned char>(text[offset]);
+  return byte < 0x80 ? Decoded{byte, 1} : decodeBeyondASCII(text, offset);
+}
 
 // The scalar that ends just before byte `offset`, which must be above 0.
 Decoded decodeBefore(std::string_view text, size_t offset);
@@ -43,8 +48,11 @@ std::vector<size_t> characterEnds(std::string_view text);
 
 // U+000A to U+000D, U+0085, U+2028 and U+2029.
 bool isNewline(char32_t scalar);
+bool isBlankBeyondASCII(char32_t scalar);
 // Tab and the general category Zs: no line ends.
-bool isBlank(char32_t scalar);
+inline bool isBlank(char32_t scalar) {
+  return scalar < 0x80 ? scalar == ' ' || scalar == '\t' : isBlankBeyondASCII(scalar);
+}
 // Either of the two.
 bool isWhitespaceOrNewline(char32_t scalar);
 bool isLetter(char32_t scalar);        // general categories L* and M*

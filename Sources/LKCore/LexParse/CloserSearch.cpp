@@ -113,6 +113,19 @@ const Flanks& CloserSearch::flanks(size_t at) {
 bool CloserSearch::finds(TextStyle style, size_t from, size_t lineEnd) {
   // The table counts in 32 bits; no line worth styling is that long.
   if (from >= lineEnd || lineEnd - from >= kNone) return false;
+  // Mostly nothing stands between an opener and its closer, and no table is needed to say so.
+  const char scalar = styleScalar(style);
+  size_t first = from;
+  while (first < lineEnd && text_[first] != scalar &&
+         !lexing::hasTrait(text_[first], lexing::kHidingByte)) {
+    ++first;
+  }
+  if (first == lineEnd) return false;
+  const bool isDouble = first + 1 < lineEnd && text_[first + 1] == scalar;
+  if (text_[first] == scalar && isDouble != (style == TextStyle::italic) &&
+      flanks(first).validRight) {
+    return true;
+  }
   Table& table = tables_[static_cast<size_t>(style)];
   if (table.lineEnd != lineEnd) build(table, style, from, lineEnd);
   return table.closer[from - table.base] != kNone;

@@ -7,7 +7,8 @@
 // depth 0 ends it. Done once for each opener that walk is quadratic in a hostile line. But where
 // it goes from a place depends on that place alone, so one sweep from the line's end backward
 // answers it for every place: from a closer, the place itself; from an opener, the answer behind
-// the closer that it meets; from anything else, the answer of the next place.
+// the closer that it meets; from anything else, the answer of the next place. Where nothing but
+// plain text stands between an opener and its closer, no sweep is needed.
 
 #include <array>
 #include <cstddef>

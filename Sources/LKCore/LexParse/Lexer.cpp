@@ -36,6 +36,12 @@ LToken Lexer::nextToken() {
   return token;
 }
 
+void Lexer::goOnAt(size_t lineStart) {
+  scanner_.seek(lineStart);
+  startLine_ = true;
+  beginLine();
+}
+
 LToken Lexer::scanToken() {
   // Asked of the index, not of the scalar: a U+FFFF in the text is not its end.
   if (scanner_.isAtEnd()) return mark(LTokenKind::end, 0);
@@ -50,6 +56,10 @@ LToken Lexer::scanToken() {
 // --- The line's start ----------------------------------------------------------------------------
 
 LToken Lexer::scanSpaces() {
+  tabScanned_ = true;
+  isIndented_ = false;
+  // Most lines begin with ASCII that is no blank.
+  if (const int c = scanner_.byte(); c > ' ' && c < 0x80) return mark(LTokenKind::tabLevel, 0);
   size_t tabs = 0;
   size_t spaces = 0;
   size_t at = index();
@@ -68,7 +78,6 @@ LToken Lexer::scanSpaces() {
     }
     at += length;
   }
-  tabScanned_ = true;
   isIndented_ = tabs + spaces > 0;
   LToken token = mark(LTokenKind::tabLevel, at - index());
   token.number = lexing::indentLevel(tabs, spaces);
@@ -212,6 +221,7 @@ LToken Lexer::scanCodeBlock() {
 
 LToken Lexer::scanInline() {
   const char c = text()[index()];
+  if (c == '\n') return scanLineEnd(1);
   if (hasTrait(c, lexing::kTextStopByte)) {
     if (lexing::isDelimiter(c)) {
       LToken token = scanSpecial(c);
@@ -233,11 +243,15 @@ LToken Lexer::scanInline() {
 }
 
 LToken Lexer::scanLineEnd(size_t length) {
+  beginLine();
+  return mark(LTokenKind::eol, length);
+}
+
+void Lexer::beginLine() {
   tabScanned_ = false;
   currentLineIsTask_ = false;
   leftDelimiters_.fill(0);
   lineEnd_ = kUnknown;
-  return mark(LTokenKind::eol, length);
 }
 
 // Steps over `include` bytes, all of them ASCII marks, and on to where something else may begin.
@@ -250,9 +264,10 @@ LToken Lexer::scanText(size_t include) {
 
 size_t Lexer::textEnd(size_t from) const {
   const std::string_view all = text();
-  const auto stop = currentLineIsTask_ ? lexing::kTaskStopByte : lexing::kTextStopByte;
-  for (size_t at = lexing::skipTo(all, from, stop); at < all.size();
-       at = lexing::skipTo(all, at + 1, stop)) {
+  const auto skip = [&](size_t at) {
+    return currentLineIsTask_ ? lexing::skipToTaskStop(all, at) : lexing::skipToTextStop(all, at);
+  };
+  for (size_t at = skip(from); at < all.size(); at = skip(at + 1)) {
     const char c = all[at];
     if (lexing::isDelimiter(c) || terminatorLength(all, at) != 0) return at;
     if (c == '<' && all.substr(at).starts_with("<!-")) return at;

@@ -34,6 +34,10 @@ class Lexer {
   // The next token; after `end`, `end` again.
   LToken nextToken();
 
+  // Leaves the lines in between unread: what follows begins at byte `lineStart`, which is the
+  // start of a line at or behind the index. Lines know nothing of each other.
+  void goOnAt(size_t lineStart);
+
   // All that is left, `end` last.
   std::vector<LToken> lex();
 
@@ -50,6 +54,7 @@ class Lexer {
   LToken scanCodeBlock();
   LToken scanInline();
   LToken scanLineEnd(size_t length);
+  void beginLine();
   LToken scanSpecial(char special);
   LToken scanText(size_t include);
   size_t textEnd(size_t from) const;

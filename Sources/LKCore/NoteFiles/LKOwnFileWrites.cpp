@@ -51,7 +51,7 @@ bool isInFlight(const fs::path& url) {
   return isInFlight(resolved(url).string());
 }
 
-Scope::Scope(fs::path url) : url_(resolved(url)) {
+Scope::Scope(const fs::path& url) : url_(resolved(url)) {
   begin(url_);
 }
 Scope::~Scope() {

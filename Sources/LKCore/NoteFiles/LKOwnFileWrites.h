@@ -29,7 +29,7 @@ bool isInFlight(const std::filesystem::path& url);
 // `begin` now and `end` when the scope is left, also by an exception.
 class Scope {
  public:
-  explicit Scope(std::filesystem::path url);
+  explicit Scope(const std::filesystem::path& url);
   ~Scope();
   Scope(const Scope&) = delete;
   Scope& operator=(const Scope&) = delete;

@@ -89,7 +89,7 @@ fs::path createNote(const NewNote& note, const fs::path& collectionRoot) {
     const std::string baseName = name.substr(0, name.size() - 3);
     const std::string file = serialize(frontMatterFor(note, baseName, id, body), body);
     assertEncodable(file);
-    const fs::path url = folder / name;
+    fs::path url = folder / name;
     if (LKFileWrite::createAtomically(file, url)) return url;
     // Somebody took the name in between: a numbered name can move on, a fixed one cannot.
     if (hasFixedName) throw FileError(url, EEXIST);

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 #include "LKCore/Base/Log.h"
+#include "LKCore/Base/Text.h"
 #include "LKCore/Platform/Files.h"
 
 namespace lk {
@@ -23,14 +25,16 @@ std::string fileText(const Json& object) {
   return printJson(object) + "\n";
 }
 
-Json objectOrKeptAside(const fs::path& path, const std::string& bytes, Instant now) {
+// Nothing for a damaged file, which is kept aside first when there is anything in it.
+std::optional<Json> objectOrKeptAside(const fs::path& path, const std::string& bytes, Instant now) {
+  if (text::trimmed(bytes).empty()) return std::nullopt;
   try {
     return objectIn(bytes);
   } catch (const JsonError& error) {
     const fs::path kept = keepDamagedFile(path, bytes, now);
     log::warning(path.string() + " was damaged and is kept as " + kept.string() + ": " +
                  error.description());
-    return Json::object();
+    return std::nullopt;
   }
 }
 
@@ -53,11 +57,13 @@ void changeSharedFile(const fs::path& path, const std::string& initial,
 fs::path keepDamagedFile(const fs::path& path, std::string_view bytes, Instant now) {
   std::string stamp = formatISO8601(now);
   std::erase_if(stamp, [](char c) { return c == '-' || c == ':'; });
-  const std::string start = path.stem().string() + ".damaged-" + stamp;
-  const std::string extension = path.extension().string();
-  fs::path kept = path.parent_path() / (start + extension);
+  const fs::path start = path.parent_path() / (path.stem().string() + ".damaged-" + stamp);
+  fs::path kept = start;
+  kept += path.extension();
   for (int n = 2; !createFile(kept, bytes); ++n) {
-    kept = path.parent_path() / (start + "-" + std::to_string(n) + extension);
+    kept = start;
+    kept += "-" + std::to_string(n);
+    kept += path.extension();
   }
   return kept;
 }
@@ -75,10 +81,10 @@ SharedObject changeSharedObject(const fs::path& path, Instant now,
                                 const std::function<void(Json&)>& change) {
   SharedObject result;
   changeSharedFile(path, fileText(Json::object()), [&](const std::string& before) {
-    const Json old = objectOrKeptAside(path, before, now);
-    result.object = old;
+    const std::optional<Json> old = objectOrKeptAside(path, before, now);
+    result.object = old.value_or(Json::object());
     change(result.object);
-    result.isChanged = result.object != old;
+    result.isChanged = !old || result.object != *old;
     return result.isChanged ? fileText(result.object) : before;
   });
   return result;

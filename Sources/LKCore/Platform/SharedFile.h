@@ -35,13 +35,13 @@ std::filesystem::path keepDamagedFile(const std::filesystem::path& path, std::st
 // anything but one object.
 Json readSharedObject(const std::filesystem::path& path);
 
-struct SharedObject {
-  Json object;  // as it is in the file now
+struct SharedObject {  // NOLINT(bugprone-exception-escape): moving JSON does not throw
+  Json object;         // as it is in the file now
   bool isChanged = false;
 };
 
 // Changes the JSON object in the file, its unknown members included. A damaged file is kept aside
-// with `keepDamagedFile`, logged, and begun anew. Throws FileError and what `change` throws.
+// with `keepDamagedFile`, logged, and begun anew; so is an empty one, of which nothing is kept. Throws FileError and what `change` throws.
 SharedObject changeSharedObject(const std::filesystem::path& path, Instant now,
                                 const std::function<void(Json&)>& change);
 

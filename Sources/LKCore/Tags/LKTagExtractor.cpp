@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <tuple>
 #include <unordered_set>
 #include <utility>
 
@@ -77,19 +78,10 @@ class TagExtraction {
       : text_(text),
         attachmentsDirectory_(attachmentsDirectory),
         now_(now),
-        projectTerms_(std::move(projectTerms)),
-        lexer_(text, projectTerms_) {}
+        lexer_(text, std::move(projectTerms)) {}
 
   ExtractionResult run() {
-    for (;;) {
-      const LToken token = lexer_.nextToken();
-      if (token.kind == LTokenKind::codeBlockFence) {
-        passFencedLines();
-        continue;
-      }
-      take(token);
-      if (token.kind == LTokenKind::end) break;
-    }
+    while (goToNextLineOfUse()) takeLine();
     addDetails();
     result_.hasActiveTasks = result_.activeTaskCount > 0;
     result_.tags = tags_.take();
@@ -99,6 +91,9 @@ class TagExtraction {
   }
 
  private:
+  bool goToNextLineOfUse();
+  void goToLineOf(size_t place);
+  void takeLine();
   void passFencedLines();
   void take(const LToken& token);
   void takeImage(std::string_view reference);
@@ -112,10 +107,9 @@ class TagExtraction {
   std::string_view text_;
   const std::optional<fs::path>& attachmentsDirectory_;
   Instant now_;
-  std::shared_ptr<const LKProjectTermsSnapshot> projectTerms_;
   Lexer lexer_;
-  size_t lexed_ = 0;  // where in the text the lexer's own text begins
-  int line_ = 0;
+  size_t lineStart_ = 0;  // of the line to be read next
+  int line_ = 0;          // its number
   bool behindImage_ = false;
 
   ExtractionResult result_;
@@ -130,41 +124,99 @@ class TagExtraction {
   std::vector<size_t> taskStarts_;                // bytes; one for each task
 };
 
+// Where a tag, a date, a link, a checkbox, a picture or a fence may begin, at or after `from`; the
+// text's size when none does. Most lines have no such place and need no lexer.
+size_t nextPlaceOfUse(std::string_view text, size_t from) {
+  const auto mayHit = [](lexing::ByteBlock block) {
+    return static_cast<lexing::ByteBlock>(block == '#') |
+           static_cast<lexing::ByteBlock>(block == '[') |
+           static_cast<lexing::ByteBlock>(block == ']') |
+           static_cast<lexing::ByteBlock>((block & 0xDF) == '@');  // and "`"
+  };
+  const auto mayName = [](char c) { return !lexing::hasTrait(c, lexing::kNoNameByte); };
+  for (size_t at = from;; ++at) {
+    at = lexing::skipTo(text, at, lexing::kUseByte, mayHit);
+    if (at + 1 >= text.size()) return text.size();
+    const char next = text[at + 1];
+    switch (text[at]) {
+      case '[':
+        return at;
+      case ']':
+        if (next == '(') return at;
+        break;
+      case '`':
+        if (text.substr(at).starts_with("```")) return at;
+        break;
+      default:
+        if (mayName(next)) return at;
+    }
+  }
+}
+
+bool TagExtraction::goToNextLineOfUse() {
+  const size_t place = nextPlaceOfUse(text_, lineStart_);
+  if (place == text_.size()) return false;
+  goToLineOf(place);
+  return true;
+}
+
+void TagExtraction::goToLineOf(size_t place) {
+  for (;;) {
+    const size_t end = lexing::lineEnd(text_, lineStart_);
+    if (end >= place) return;
+    lineStart_ = end + lexing::terminatorLength(text_, end);
+    ++line_;
+  }
+}
+
+void TagExtraction::takeLine() {
+  lexer_.goOnAt(lineStart_);
+  for (;;) {
+    const LToken token = lexer_.nextToken();
+    if (token.kind == LTokenKind::codeBlockFence) return passFencedLines();
+    take(token);
+    if (token.kind != LTokenKind::eol && token.kind != LTokenKind::end) continue;
+    lineStart_ = token.range.end;
+    ++line_;
+    return;
+  }
+}
+
 // From an opening fence to its partner nothing but lines counts. When there is no partner the
 // fence hides nothing, and the text is read on from the line below it, where no more fences can be.
 void TagExtraction::passFencedLines() {
-  const int fenceLine = line_;
-  std::optional<size_t> below;
+  const auto goBelow = [&] {
+    lineStart_ = lexer_.nextToken().range.end;  // the line's end, or the text's
+    ++line_;
+  };
+  goBelow();
+  const std::pair below{lineStart_, line_};
   for (;;) {
-    const LToken token = lexer_.nextToken();
-    if (token.kind == LTokenKind::codeBlockFence) return;
-    if (token.kind == LTokenKind::eol) {
-      ++line_;
-      if (!below) below = lexed_ + token.range.end;
-    }
-    if (token.kind == LTokenKind::end) break;
+    const size_t marks = text_.find("```", lineStart_);
+    if (marks == std::string_view::npos) break;
+    goToLineOf(marks);
+    lexer_.goOnAt(lineStart_);
+    lexer_.nextToken();  // the tabs
+    if (lexer_.nextToken().kind == LTokenKind::codeBlockFence) return goBelow();
+    lineStart_ = lexing::lineEnd(text_, marks);
   }
-  line_ = below ? fenceLine + 1 : fenceLine;
-  lexed_ = below.value_or(text_.size());
-  lexer_ = Lexer(text_.substr(lexed_), projectTerms_);
+  std::tie(lineStart_, line_) = below;
 }
 
 void TagExtraction::take(const LToken& token) {
   const bool behindImage = std::exchange(behindImage_, token.kind == LTokenKind::image);
   switch (token.kind) {
     case LTokenKind::task:
-      return openTask(TaskStatus::notStarted, lexed_ + token.range.start);
+      return openTask(TaskStatus::notStarted, token.range.start);
     case LTokenKind::inProgressTask:
-      return openTask(TaskStatus::inProgress, lexed_ + token.range.start);
+      return openTask(TaskStatus::inProgress, token.range.start);
     case LTokenKind::doneTask:
-      return openTask(TaskStatus::done, lexed_ + token.range.start);
+      return openTask(TaskStatus::done, token.range.start);
     case LTokenKind::cancelledTask:
-      return openTask(TaskStatus::cancelled, lexed_ + token.range.start);
+      return openTask(TaskStatus::cancelled, token.range.start);
     case LTokenKind::eol:
     case LTokenKind::end:
-      closeTask();
-      ++line_;
-      return;
+      return closeTask();
     case LTokenKind::tabLevel:
       return;
     case LTokenKind::taskMeta:
@@ -185,7 +237,7 @@ void TagExtraction::take(const LToken& token) {
       break;
   }
   // Behind a checkbox every token's source form is what stands in the text.
-  if (inTask_) taskText_.append(token.range.of(text_.substr(lexed_)));
+  if (inTask_) taskText_.append(token.range.of(text_));
 }
 
 void TagExtraction::takeImage(std::string_view reference) {
@@ -213,16 +265,17 @@ void TagExtraction::closeTask() {
   if (!inTask_) return;
   inTask_ = false;
   ++(task_.isComplete ? result_.doneTaskCount : result_.activeTaskCount);
-  const bool isLate =
-      !task_.isComplete && task_.dueDate && LKTaskDue::isOverdue(*task_.dueDate, now_);
-  if (isLate) ++result_.overdueTaskCount;
   task_.text = text::trimmedBlanks(taskText_);
   result_.tasks.push_back(std::move(task_));
 }
 
 void TagExtraction::takeMeta(std::string_view key, std::string_view value) {
   if (key == "due") {
-    if (const auto day = LKDateOnly::parse(value)) task_.dueDate = day;
+    if (const auto day = LKDateOnly::parse(value)) {
+      task_.dueDate = day;
+      // Counted where it is written: a line with two late dates counts twice.
+      if (!task_.isComplete && LKTaskDue::isOverdue(*day, now_)) ++result_.overdueTaskCount;
+    }
   } else if (key == "done") {
     if (const auto day = LKDateOnly::parse(value)) task_.doneDate = day;
   } else if (key == "priority") {

@@ -50,7 +50,7 @@ struct ExtractionResult {
   bool hasActiveTasks = false;
   int activeTaskCount = 0;                    // not started or in progress
   int doneTaskCount = 0;                      // done or cancelled
-  int overdueTaskCount = 0;                   // active tasks past their due date
+  int overdueTaskCount = 0;                   // due dates of active tasks that have passed
   Texts dateRefs;                             // eight digits
   std::vector<TaskInfo> tasks;                // in the order of their lines
   std::vector<std::string> imageAttachments;  // file names as written, with repeats

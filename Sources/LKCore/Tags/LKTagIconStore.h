@@ -19,17 +19,17 @@ struct LKTagIcon {
   bool operator==(const LKTagIcon&) const = default;
 };
 
-// The icons of a collection's tags, in its file ".config/tag-icons.json":
+// The icons of a collection's tags, in its file ".tag-icons.json":
 //
 //     { "garden" : { "symbolName" : "leaf", "tintColorName" : "green" } }
 //
 //     LKTagIconStore icons = LKTagIconStore::ofActiveCollection();
 //     icons.renamePrefix("garden", "home/garden");
 //
-// Nothing is held in memory: each call reads the file, and a change is made under the file's lock
-// and atomically, so that processes never lose each other's. Members that nobody here knows stay.
-// A file that is missing or empty means no icons; one that is damaged reads as none, and is never
-// written over. Every change throws FileError, or JsonError for a damaged file.
+// Nothing is held in memory: each call reads the file, and a change is made by the rules of
+// Platform/SharedFile.h, so that processes never lose each other's, members that nobody here knows
+// stay, and a damaged file is kept aside. A file that cannot be read means no icons. Every change
+// throws FileError.
 class LKTagIconStore {
  public:
   explicit LKTagIconStore(const std::filesystem::path& collectionFolder);

@@ -10,7 +10,7 @@ namespace lk::LKTaskDue {
 namespace {
 
 // Zones are at most 14 hours from UTC.
-constexpr int64_t kWidestOffset = 15 * 3600;
+constexpr int64_t kWidestOffset = int64_t{15} * 3600;
 
 std::tm wallTime(int64_t seconds) {
   const std::time_t time = seconds;
@@ -46,7 +46,7 @@ std::optional<int64_t> momentShown(Day due, int isSummerTime) {
 
 // Where the clocks jump over the hour.
 std::optional<int64_t> momentAfterGap(Day due) {
-  const int64_t asUTC = due.utcMidnight().seconds + overdueHour * 3600;
+  const int64_t asUTC = due.utcMidnight().seconds + int64_t{overdueHour} * 3600;
   int64_t before = asUTC - kWidestOffset;
   int64_t reached = asUTC + kWidestOffset;
   if (hasReached(before, due) || !hasReached(reached, due)) return std::nullopt;

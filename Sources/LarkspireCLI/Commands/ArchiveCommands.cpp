@@ -11,12 +11,12 @@ namespace {
 
 void changeArchiveState(const GlobalOptions& options, const NoteReference& reference,
                         const NoteChange& change, const std::string& report) {
-  const auto [collection, note] =
+  const NoteInCollection found =
       requireNote(options, reference, "Provide a note title or --id UUID.");
-  requireWritable(collection);
-  requireReadableBlock(note.url);
-  writeNotes([&] { LKNoteFileService::updateNote(note.url, change); });
-  printMessage(options, report + note.title);
+  requireWritable(found.collection);
+  requireReadableBlock(found.note.url);
+  writeNotes([&] { LKNoteFileService::updateNote(found.note.url, change); });
+  printMessage(options, report + found.note.title);
 }
 
 }  // namespace

@@ -70,21 +70,21 @@ void DeleteCommand::run() {
     emptyTrashOf(resolvedCollection(options.collection, options.quiet), options);
     return;
   }
-  const auto [collection, found] =
+  const NoteInCollection found =
       requireNote(options, note, "Provide a note title, --id UUID, or --empty-trash.");
-  requireWritable(collection);
-  requireReadableBlock(found.url);
+  requireWritable(found.collection);
+  requireReadableBlock(found.note.url);
   if (permanent) {
-    writeNotes([&] { LKNoteFileService::deleteNotePermanently(found.url); });
-    printMessage(options, "Permanently deleted: " + found.title);
+    writeNotes([&] { LKNoteFileService::deleteNotePermanently(found.note.url); });
+    printMessage(options, "Permanently deleted: " + found.note.title);
     return;
   }
-  const fs::path trash = collection / ".trash";
+  const fs::path trash = found.collection / ".trash";
   writeNotes([&] {
     createFolders(trash);
-    NoteMover::moveInto(trash, found.url);
+    NoteMover::moveInto(trash, found.note.url);
   });
-  printMessage(options, "Trashed: " + found.title);
+  printMessage(options, "Trashed: " + found.note.title);
 }
 
 }  // namespace lk

@@ -61,7 +61,9 @@ std::string headOf(const ShownNote& note) {
   std::string head = "id: " + block.id.text() + "\ncreated: " + formatISO8601(block.created) +
                      "\nsize: " + std::to_string(note.info.size) + " bytes\ntitle: " + note.title;
   if (block.dailyDate) head += "\nlk-daily: " + LKDateOnly::text(*block.dailyDate);
-  for (const auto& [key, value] : block.userProperties) head += "\n" + key + ": " + value;
+  for (const auto& [key, value] : block.userProperties) {
+    head.append("\n").append(key).append(": ").append(value);
+  }
   return head;
 }
 

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // More than any block but one with hundreds of tasks; those are read whole.
-constexpr size_t kBlockStart = 16 * 1024;
+constexpr size_t kBlockStart = size_t{16} * 1024;
 
 constexpr std::string_view kExtension = ".md";
 

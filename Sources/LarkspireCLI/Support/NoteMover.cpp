@@ -15,8 +15,7 @@ void move(const fs::path& from, const fs::path& to) {
 
 fs::path moveInto(const fs::path& folder, const fs::path& file) {
   while (true) {
-    const fs::path target =
-        folder / LKNoteFileService::uniqueFilename(file.stem().string(), folder);
+    fs::path target = folder / LKNoteFileService::uniqueFilename(file.stem().string(), folder);
     try {
       move(file, target);
       return target;

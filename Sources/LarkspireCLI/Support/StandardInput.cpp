@@ -19,7 +19,7 @@ std::optional<std::string> pipedInput() {
     return std::nullopt;
   }
   std::string input;
-  std::array<char, 64 * 1024> buffer{};
+  std::array<char, size_t{64} * 1024> buffer{};
   while (true) {
     const ssize_t got = read(STDIN_FILENO, buffer.data(), buffer.size());
     if (got == 0) break;

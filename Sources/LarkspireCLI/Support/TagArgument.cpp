@@ -6,7 +6,7 @@
 namespace lk::TagArgument {
 
 std::string readable(std::string_view argument) {
-  const std::string tag(argument.starts_with('#') ? argument.substr(1) : argument);
+  std::string tag(argument.starts_with('#') ? argument.substr(1) : argument);
   if (LKTagNameRules::problem(tag)) {
     throw CLIError::general(
         "\"" + tag + "\": Larkspire tags can only contain letters, numbers, hyphens and slashes.");

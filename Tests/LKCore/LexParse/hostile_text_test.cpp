@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <optional>
 #include <random>
 
@@ -12,6 +11,7 @@
 #include "LexForms.h"
 #include "ReferenceLexer.h"
 #include "Support/Corpus.h"
+#include "Support/Growth.h"
 
 namespace lk {
 namespace {
@@ -104,7 +104,7 @@ std::string inlineMark(std::string_view line, const LToken& token) {
       break;
   }
   // What only the block lexer knows.
-  const std::string block = blockMark(line);
+  std::string block = blockMark(line);
   for (const char* name : {"tableRow", "horizontalRule", "footnoteDefinition", "htmlComment"}) {
     if (block.starts_with(name)) return block;
   }
@@ -160,16 +160,8 @@ size_t work(const std::string& text) {
   return tokens + links(text).size();
 }
 
-double seconds(std::string_view unit, size_t bytes) {
-  std::string text;
-  while (text.size() < bytes) text += unit;
-  const std::clock_t start = std::clock();  // of this process alone, however busy the machine
-  EXPECT_GT(work(text), 0U);
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
 TEST(HostileText, TakesTimeInProportionToItsLength) {
-  constexpr size_t kBytes = 16 * 1024;
+  constexpr size_t kBytes = size_t{8} * 1024;
   for (const std::string_view unit : {"*",
                                       "**a ",
                                       "*a ",
@@ -223,13 +215,9 @@ TEST(HostileText, TakesTimeInProportionToItsLength) {
                                       "\u2014*",
                                       "- [ ]\n",
                                       "*a**b*** [](`(!["}) {
-    double ratio = 0;
-    // A busy machine may spoil a measurement, not five in a row.
-    for (int attempt = 0; attempt < 5; ++attempt) {
-      ratio = seconds(unit, 2 * kBytes) / seconds(unit, kBytes);
-      if (ratio <= 3) break;
-    }
-    EXPECT_LE(ratio, 3) << unit;
+    const double times =
+        test::growth(unit, kBytes, [](const std::string& text) { EXPECT_GT(work(text), 0U); });
+    EXPECT_LE(times, 8) << unit;
   }
 }
 

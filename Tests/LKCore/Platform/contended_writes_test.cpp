@@ -119,7 +119,7 @@ TEST(Locking, ChangesByTwoProcessesAreAllKept) {
   Child second([&] { return append(folder / "Link.md"); });
   EXPECT_EQ(first.word(), "done");
   EXPECT_EQ(second.word(), "done");
-  EXPECT_EQ(readFile(file).size(), 2 * kChanges * std::string("a line\n").size());
+  EXPECT_EQ(readFile(file).size(), std::string("a line\n").size() * 2 * kChanges);
 }
 
 // A point that two processes pass together, again and again.

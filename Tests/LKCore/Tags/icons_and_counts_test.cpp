@@ -17,9 +17,9 @@ TEST(TagIcons, MoveWithTheirTagsAndKeepWhatNobodyKnows) {
   const LKTagIconStore icons(folder.path());
   icons.rename("a", "b");
   icons.clear({"a"});
-  EXPECT_FALSE(std::filesystem::exists(folder / ".config")) << "nothing to keep, nothing made";
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path())) << "nothing to keep, nothing made";
   icons.setIcon("a", {"leaf", "green"});
-  const auto file = folder / ".config/tag-icons.json";
+  const auto file = folder / ".tag-icons.json";
   test::writeWhole(file,
                    R"({"a": {"symbolName": "leaf", "later": 1}, "a/x": {"tintColorName": "red"},
                        "ab": {"symbolName": "sun"}, "later": [1], "b/x": {"symbolName": "b"}})");
@@ -37,17 +37,22 @@ TEST(TagIcons, MoveWithTheirTagsAndKeepWhatNobodyKnows) {
             "b/x": {"symbolName": "b"}, "later": [1]})"));
 }
 
-TEST(TagIcons, NeverWriteOverADamagedFile) {
+TEST(TagIcons, KeepADamagedFileAside) {
   const test::TempFolder folder;
   const LKTagIconStore icons(folder.path());
   icons.setIcon("a", {"leaf", std::nullopt});
-  const auto file = folder / ".config/tag-icons.json";
+  const auto file = folder / ".tag-icons.json";
   for (const std::string bytes : {"{\"a\": ", "[]"}) {
     test::writeWhole(file, bytes);
     EXPECT_TRUE(icons.icons().empty());
-    EXPECT_THROW(icons.setIcon("a", {"sun", std::nullopt}), JsonError);
-    EXPECT_THROW(icons.renamePrefix("a", "b"), JsonError);
-    EXPECT_EQ(test::readWhole(file), bytes);
+    icons.renamePrefix("a", "b");
+    icons.setIcon("a", {"sun", std::nullopt});
+    EXPECT_EQ(icons.icon("a")->symbolName, "sun");
+    size_t kept = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+      kept += entry.path() != file && test::readWhole(entry.path()) == bytes ? 1U : 0U;
+    }
+    EXPECT_EQ(kept, 1U) << bytes;
   }
   test::writeWhole(file, "");
   icons.setIcon("a", {"sun", std::nullopt});

@@ -199,7 +199,9 @@ class ModelNote {
     lines_.insert(cut(lines_), changed.begin() + static_cast<ptrdiff_t>(kept), changed.end());
     const auto move = [&](int& index) {
       const auto now = std::ranges::find(numbers, index + static_cast<int>(start_));
-      index = now == numbers.end() ? hole : static_cast<int>(now - numbers.begin() - start_);
+      index = now == numbers.end()
+                  ? hole
+                  : static_cast<int>(now - numbers.begin()) - static_cast<int>(start_);
     };
     for (ModelEntry& entry : entries_) move(entry.index);
     for (int& index : folded_) move(index);

@@ -136,7 +136,8 @@ TEST_F(Faults, AFullDiskLeavesTheNoteWholeAndNothingBesideIt) {
   for (const std::string& command :
        {std::string(" edit Plan --collection Notes < large.md"),
         std::string(" create Other --collection Notes --from large.md")}) {
-    const ProcessResult result = sandbox.run("/bin/sh", {"-c", limit + tool + command});
+    const ProcessResult result =
+        sandbox.run("/bin/sh", {"-c", std::string(limit).append(tool).append(command)});
     EXPECT_EQ(result.status, 4) << result.err;
     EXPECT_NE(result.err.find(mounted ? "No space left on device" : "File too large"),
               std::string::npos)
