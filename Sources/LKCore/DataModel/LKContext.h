@@ -36,12 +36,14 @@ class LKTable {
   virtual std::vector<Row*> fetch(const LKFetch<Row>& what = {}) = 0;
   // Rows without their relations being read. Throws LKStoreError.
   virtual size_t count(const LKPredicate<Row>& where = {}) = 0;
-  // `row` has no relations yet.
+  // `row` has no relations yet. An id that is changed later counts for predicates by id from the
+  // next save on.
   virtual Row& insert(Row row) = 0;
   // Also takes the row out of its relations. Removing a note removes its tasks and links.
   virtual void remove(Row& row) = 0;
   virtual void removeAll() = 0;
-  // Stays the same for the row's life, across processes for a store on disk.
+  // Stays the same for the row's life, across processes for a store on disk, where a row that was
+  // never saved has 0.
   virtual int64_t persistentID(const Row& row) = 0;
 };
 
