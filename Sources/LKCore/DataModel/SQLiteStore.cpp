@@ -87,7 +87,16 @@ void createSchema(Connection& connection) {
 // only when that log is moved into it, and then what was read may be a mixture.
 class ResidingStore final : public UnlockedFile {
  public:
-  explicit ResidingStore(fs::path path) : path_(std::move(path)), stamp_(regularFileInfo(path_)) {}
+  explicit ResidingStore(fs::path path) : path_(std::move(path)), stamp_(regularFileInfo(path_)) {
+    for (int attempt = 0; isYoung(); ++attempt) {
+      if (attempt == kAttempts) throw LKStoreError(path_.string() + ": changes all the time");
+      usleep(kSteadyMicroseconds);
+      stamp_ = regularFileInfo(path_);
+    }
+    // Only now: a log that was there when the stamp was taken could be on its way into the store.
+    const auto log = regularFileInfo(companion(path_, "-wal"));
+    if (log && log->size > 0) throw LKStoreError(path_.string() + ": a writer has come");
+  }
 
   void verify() const override {
     if (regularFileInfo(path_) != stamp_) {
@@ -96,6 +105,17 @@ class ResidingStore final : public UnlockedFile {
   }
 
  private:
+  static constexpr useconds_t kSteadyMicroseconds = 20'000;
+
+  // File times move in steps of some milliseconds. A later change must show in them.
+  bool isYoung() const {
+    if (!stamp_) return false;
+    const Instant now = Instant::now();
+    const int64_t age = (now.seconds - stamp_->modified.seconds) * 1'000'000 +
+                        (now.nanoseconds - stamp_->modified.nanoseconds) / 1000;
+    return age >= 0 && age < kSteadyMicroseconds;
+  }
+
   fs::path path_;
   std::optional<FileInfo> stamp_;
 };
@@ -200,14 +220,16 @@ std::unique_ptr<LKContext> openStore(const fs::path& path) {
 
 std::unique_ptr<LKContext> openStoreReadOnly(const fs::path& path) {
   if (!regularFileInfo(path)) throw LKStoreError(path.string() + ": No such file or directory");
+  const auto state = [&] {
+    return std::pair(regularFileInfo(path), regularFileInfo(companion(path, "-wal")));
+  };
   for (int attempt = 1;; ++attempt) {
-    const auto before = regularFileInfo(companion(path, "-wal"));
+    const auto before = state();
     try {
       return openAsItLies(path);
     } catch (const LKStoreError&) {
       // A writer that came or went meanwhile has changed which way is the right one.
-      const auto now = regularFileInfo(companion(path, "-wal"));
-      if (attempt == kAttempts || now.has_value() == before.has_value()) throw;
+      if (attempt == kAttempts || state() == before) throw;
     }
   }
 }
