@@ -2,7 +2,8 @@
 
 // One user's view of an index: six tables of rows, changed in memory and saved together. A context
 // is used on one thread. Two implementations answer alike: MemoryStore.h, whose rows are all there
-// is, and SQLiteStore.h, a file.
+// is, and SQLiteStore.h, a file. What was changed here counts for every fetch and count at once, saved
+// or not.
 //
 //     LKNote& note = context.notes().insert(LKNote("Groceries", "- [ ] Milk"));
 //     addTag(note, tag);

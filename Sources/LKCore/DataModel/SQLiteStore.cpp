@@ -26,9 +26,9 @@ constexpr int64_t kStoreApplication = 0x4C4B7374;  // "LKst"
 constexpr int64_t kStoreVersion = 1'00'00;         // 1.0.0
 constexpr int kWriterPatience = 10'000;            // milliseconds
 constexpr int kReaderPatience = 2'000;
-constexpr int kAttempts = 3;
+constexpr int kStoreAttempts = 3;
 
-fs::path companion(const fs::path& store, const char* suffix) {
+fs::path companionOf(const fs::path& store, const char* suffix) {
   return fs::path(store).concat(suffix);
 }
 
@@ -89,12 +89,12 @@ class ResidingStore final : public UnlockedFile {
  public:
   explicit ResidingStore(fs::path path) : path_(std::move(path)), stamp_(regularFileInfo(path_)) {
     for (int attempt = 0; isYoung(); ++attempt) {
-      if (attempt == kAttempts) throw LKStoreError(path_.string() + ": changes all the time");
+      if (attempt == kStoreAttempts) throw LKStoreError(path_.string() + ": changes all the time");
       usleep(kSteadyMicroseconds);
       stamp_ = regularFileInfo(path_);
     }
     // Only now: a log that was there when the stamp was taken could be on its way into the store.
-    const auto log = regularFileInfo(companion(path_, "-wal"));
+    const auto log = regularFileInfo(companionOf(path_, "-wal"));
     if (log && log->size > 0) throw LKStoreError(path_.string() + ": a writer has come");
   }
 
@@ -143,12 +143,12 @@ class CopiedStore final : public UnlockedFile {
 
  private:
   void copyBoth(const fs::path& path) const {
-    const fs::path log = companion(path, "-wal");
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    const fs::path log = companionOf(path, "-wal");
+    for (int attempt = 0; attempt < kStoreAttempts; ++attempt) {
       const auto storeBefore = regularFileInfo(path);
       const auto logBefore = regularFileInfo(log);
       copyOne(path, this->path());
-      copyOne(log, companion(this->path(), "-wal"));
+      copyOne(log, companionOf(this->path(), "-wal"));
       if (regularFileInfo(path) == storeBefore && regularFileInfo(log) == logBefore) return;
     }
     throw LKStoreError(path.string() + ": changes all the time");
@@ -188,8 +188,8 @@ std::unique_ptr<LKContext> openForReading(const fs::path& path, const std::strin
 }
 
 std::unique_ptr<LKContext> openAsItLies(const fs::path& path) {
-  const fs::path log = companion(path, "-wal");
-  const fs::path index = companion(path, "-shm");
+  const fs::path log = companionOf(path, "-wal");
+  const fs::path index = companionOf(path, "-shm");
   const auto logInfo = regularFileInfo(log);
   // Left to itself, SQLite would make the two where they are missing and leave them behind.
   if (logInfo && regularFileInfo(index) && isReadable(log) && isReadable(index)) {
@@ -221,7 +221,7 @@ std::unique_ptr<LKContext> openStore(const fs::path& path) {
 std::unique_ptr<LKContext> openStoreReadOnly(const fs::path& path) {
   if (!regularFileInfo(path)) throw LKStoreError(path.string() + ": No such file or directory");
   const auto state = [&] {
-    return std::pair(regularFileInfo(path), regularFileInfo(companion(path, "-wal")));
+    return std::pair(regularFileInfo(path), regularFileInfo(companionOf(path, "-wal")));
   };
   for (int attempt = 1;; ++attempt) {
     const auto before = state();
@@ -229,7 +229,7 @@ std::unique_ptr<LKContext> openStoreReadOnly(const fs::path& path) {
       return openAsItLies(path);
     } catch (const LKStoreError&) {
       // A writer that came or went meanwhile has changed which way is the right one.
-      if (attempt == kAttempts || state() == before) throw;
+      if (attempt == kStoreAttempts || state() == before) throw;
     }
   }
 }

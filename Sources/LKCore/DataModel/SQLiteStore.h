@@ -22,7 +22,8 @@ std::unique_ptr<LKContext> openStore(const std::filesystem::path& path);
 // For reading only: neither the store nor anything beside it is written, and `save` throws. Works
 // without the right to write there, and while another process writes: each fetch sees one saved
 // state. When that cannot be promised, because the file is locked for more than 2 seconds or
-// changed in a way that escapes SQLite's locks, the call throws LKStoreError.
+// changed in a way that escapes SQLite's locks, the call throws LKStoreError. Meant for the stores
+// of other programs: a process that writes a store itself reads it with `openStore`.
 std::unique_ptr<LKContext> openStoreReadOnly(const std::filesystem::path& path);
 
 }  // namespace lk

@@ -27,7 +27,7 @@ bool holdsTextsOnly(const Json& container) {
 }
 
 template <typename Row, auto Member>
-Column<Row> column(std::string names, LKParts part = LKParts::none) {
+Column<Row> columnOf(std::string names, LKParts part = LKParts::none) {
   return {.names = std::move(names),
           .part = part,
           .take = [](RowReader& reader, Row& row) { reader.take(row.*Member); },
@@ -38,7 +38,7 @@ Column<Row> column(std::string names, LKParts part = LKParts::none) {
 
 Column<LKNote> modifiedColumn() {
   Column<LKNote> result =
-      column<LKNote, &LKNote::modifiedDate>("modifiedDate, modifiedNanoseconds");
+      columnOf<LKNote, &LKNote::modifiedDate>("modifiedDate, modifiedNanoseconds");
   result.take = [](RowReader& reader, LKNote& note) {
     Instant date;
     reader.take(date);
@@ -176,29 +176,29 @@ const TableShape<LKNote>& shapeOf<LKNote>() {
   static const TableShape<LKNote> shape{
       "note",
       "",
-      {column<LKNote, &LKNote::id>("id"),
-       column<LKNote, &LKNote::title>("title"),
-       column<LKNote, &LKNote::creationDate>("creationDate, creationNanoseconds"),
+      {columnOf<LKNote, &LKNote::id>("id"),
+       columnOf<LKNote, &LKNote::title>("title"),
+       columnOf<LKNote, &LKNote::creationDate>("creationDate, creationNanoseconds"),
        modifiedColumn(),
-       column<LKNote, &LKNote::isFavourite>("isFavourite"),
-       column<LKNote, &LKNote::isTrashed>("isTrashed"),
-       column<LKNote, &LKNote::isBook>("isBook"),
-       column<LKNote, &LKNote::status>("status"),
-       column<LKNote, &LKNote::dailyDate>("dailyDate"),
-       column<LKNote, &LKNote::lastCursorLocation>("lastCursorLocation"),
-       column<LKNote, &LKNote::size>("size"),
-       column<LKNote, &LKNote::userProperties>("userPropertiesJSON"),
-       column<LKNote, &LKNote::tagRanks>("tagRanksJSON"),
-       column<LKNote, &LKNote::fileURL>("fileURL"),
-       column<LKNote, &LKNote::hasActiveTasks>("hasActiveTasks", LKParts::tags),
-       column<LKNote, &LKNote::activeTaskCount>("activeTaskCount", LKParts::tags),
-       column<LKNote, &LKNote::doneTaskCount>("doneTaskCount", LKParts::tags),
-       column<LKNote, &LKNote::overdueTaskCount>("overdueTaskCount", LKParts::tags),
-       column<LKNote, &LKNote::imageAttachments>("imageAttachments", LKParts::tags),
-       column<LKNote, &LKNote::lineCount>("lineCount", LKParts::words),
-       column<LKNote, &LKNote::contentHash>("contentHash", LKParts::hashes),
-       column<LKNote, &LKNote::fileDigest>("fileDigest", LKParts::hashes),
-       column<LKNote, &LKNote::text>("text", LKParts::text)}};
+       columnOf<LKNote, &LKNote::isFavourite>("isFavourite"),
+       columnOf<LKNote, &LKNote::isTrashed>("isTrashed"),
+       columnOf<LKNote, &LKNote::isBook>("isBook"),
+       columnOf<LKNote, &LKNote::status>("status"),
+       columnOf<LKNote, &LKNote::dailyDate>("dailyDate"),
+       columnOf<LKNote, &LKNote::lastCursorLocation>("lastCursorLocation"),
+       columnOf<LKNote, &LKNote::size>("size"),
+       columnOf<LKNote, &LKNote::userProperties>("userPropertiesJSON"),
+       columnOf<LKNote, &LKNote::tagRanks>("tagRanksJSON"),
+       columnOf<LKNote, &LKNote::fileURL>("fileURL"),
+       columnOf<LKNote, &LKNote::hasActiveTasks>("hasActiveTasks", LKParts::tags),
+       columnOf<LKNote, &LKNote::activeTaskCount>("activeTaskCount", LKParts::tags),
+       columnOf<LKNote, &LKNote::doneTaskCount>("doneTaskCount", LKParts::tags),
+       columnOf<LKNote, &LKNote::overdueTaskCount>("overdueTaskCount", LKParts::tags),
+       columnOf<LKNote, &LKNote::imageAttachments>("imageAttachments", LKParts::tags),
+       columnOf<LKNote, &LKNote::lineCount>("lineCount", LKParts::words),
+       columnOf<LKNote, &LKNote::contentHash>("contentHash", LKParts::hashes),
+       columnOf<LKNote, &LKNote::fileDigest>("fileDigest", LKParts::hashes),
+       columnOf<LKNote, &LKNote::text>("text", LKParts::text)}};
   return shape;
 }
 
@@ -207,15 +207,17 @@ const TableShape<LKTask>& shapeOf<LKTask>() {
   static const TableShape<LKTask> shape{
       "task",
       "note",
-      {column<LKTask, &LKTask::id>("id"), column<LKTask, &LKTask::text>("text"),
-       column<LKTask, &LKTask::isComplete>("isComplete"),
-       column<LKTask, &LKTask::dateCompleted>("dateCompleted"),
-       column<LKTask, &LKTask::dateDue>("dateDue"), column<LKTask, &LKTask::priority>("priority"),
-       column<LKTask, &LKTask::project>("project"),
-       column<LKTask, &LKTask::projectIsInherited>("projectIsInherited"),
-       column<LKTask, &LKTask::contexts>("contexts"),
-       column<LKTask, &LKTask::paragraphIndex>("paragraphIndex"),
-       column<LKTask, &LKTask::statusRaw>("statusRaw"), column<LKTask, &LKTask::detail>("detail")}};
+      {columnOf<LKTask, &LKTask::id>("id"), columnOf<LKTask, &LKTask::text>("text"),
+       columnOf<LKTask, &LKTask::isComplete>("isComplete"),
+       columnOf<LKTask, &LKTask::dateCompleted>("dateCompleted"),
+       columnOf<LKTask, &LKTask::dateDue>("dateDue"),
+       columnOf<LKTask, &LKTask::priority>("priority"),
+       columnOf<LKTask, &LKTask::project>("project"),
+       columnOf<LKTask, &LKTask::projectIsInherited>("projectIsInherited"),
+       columnOf<LKTask, &LKTask::contexts>("contexts"),
+       columnOf<LKTask, &LKTask::paragraphIndex>("paragraphIndex"),
+       columnOf<LKTask, &LKTask::statusRaw>("statusRaw"),
+       columnOf<LKTask, &LKTask::detail>("detail")}};
   return shape;
 }
 
@@ -224,10 +226,10 @@ const TableShape<LKTag>& shapeOf<LKTag>() {
   static const TableShape<LKTag> shape{
       "tag",
       "",
-      {column<LKTag, &LKTag::id>("id"), column<LKTag, &LKTag::text>("text"),
-       column<LKTag, &LKTag::createdDate>("createdDate, createdNanoseconds"),
-       column<LKTag, &LKTag::symbolName>("symbolName"),
-       column<LKTag, &LKTag::tintColorName>("tintColorName")}};
+      {columnOf<LKTag, &LKTag::id>("id"), columnOf<LKTag, &LKTag::text>("text"),
+       columnOf<LKTag, &LKTag::createdDate>("createdDate, createdNanoseconds"),
+       columnOf<LKTag, &LKTag::symbolName>("symbolName"),
+       columnOf<LKTag, &LKTag::tintColorName>("tintColorName")}};
   return shape;
 }
 
@@ -236,11 +238,11 @@ const TableShape<LKBackLink>& shapeOf<LKBackLink>() {
   static const TableShape<LKBackLink> shape{
       "backLink",
       "note",
-      {column<LKBackLink, &LKBackLink::id>("id"),
-       column<LKBackLink, &LKBackLink::sourceParagraph>("sourceParagraph"),
-       column<LKBackLink, &LKBackLink::sourceParagraphIndex>("sourceParagraphIndex"),
-       column<LKBackLink, &LKBackLink::targetNoteID>("targetNoteID"),
-       column<LKBackLink, &LKBackLink::targetNoteReference>("targetNoteReference")}};
+      {columnOf<LKBackLink, &LKBackLink::id>("id"),
+       columnOf<LKBackLink, &LKBackLink::sourceParagraph>("sourceParagraph"),
+       columnOf<LKBackLink, &LKBackLink::sourceParagraphIndex>("sourceParagraphIndex"),
+       columnOf<LKBackLink, &LKBackLink::targetNoteID>("targetNoteID"),
+       columnOf<LKBackLink, &LKBackLink::targetNoteReference>("targetNoteReference")}};
   return shape;
 }
 
@@ -249,11 +251,11 @@ const TableShape<LKNoteVersion>& shapeOf<LKNoteVersion>() {
   static const TableShape<LKNoteVersion> shape{
       "noteVersion",
       "",
-      {column<LKNoteVersion, &LKNoteVersion::id>("id"),
-       column<LKNoteVersion, &LKNoteVersion::noteText>("noteText"),
-       column<LKNoteVersion, &LKNoteVersion::title>("title"),
-       column<LKNoteVersion, &LKNoteVersion::dateCreated>("dateCreated, createdNanoseconds"),
-       column<LKNoteVersion, &LKNoteVersion::lineCount>("lineCount")}};
+      {columnOf<LKNoteVersion, &LKNoteVersion::id>("id"),
+       columnOf<LKNoteVersion, &LKNoteVersion::noteText>("noteText"),
+       columnOf<LKNoteVersion, &LKNoteVersion::title>("title"),
+       columnOf<LKNoteVersion, &LKNoteVersion::dateCreated>("dateCreated, createdNanoseconds"),
+       columnOf<LKNoteVersion, &LKNoteVersion::lineCount>("lineCount")}};
   return shape;
 }
 
@@ -262,11 +264,11 @@ const TableShape<LKTaskVersion>& shapeOf<LKTaskVersion>() {
   static const TableShape<LKTaskVersion> shape{
       "taskVersion",
       "noteVersion",
-      {column<LKTaskVersion, &LKTaskVersion::id>("id"),
-       column<LKTaskVersion, &LKTaskVersion::text>("text"),
-       column<LKTaskVersion, &LKTaskVersion::isComplete>("isComplete"),
-       column<LKTaskVersion, &LKTaskVersion::dateDue>("dateDue"),
-       column<LKTaskVersion, &LKTaskVersion::priority>("priority")}};
+      {columnOf<LKTaskVersion, &LKTaskVersion::id>("id"),
+       columnOf<LKTaskVersion, &LKTaskVersion::text>("text"),
+       columnOf<LKTaskVersion, &LKTaskVersion::isComplete>("isComplete"),
+       columnOf<LKTaskVersion, &LKTaskVersion::dateDue>("dateDue"),
+       columnOf<LKTaskVersion, &LKTaskVersion::priority>("priority")}};
   return shape;
 }
 
