@@ -223,7 +223,9 @@ class StoredRows {
   }
 
  private:
+  // Only notes come in parts.
   static LKParts columnParts(LKParts parts) {
+    if (!std::is_same_v<Row, LKNote>) return LKParts::none;
     return static_cast<LKParts>(static_cast<uint32_t>(parts) & static_cast<uint32_t>(kColumnParts));
   }
 
