@@ -373,6 +373,20 @@ bool containsIgnoringCase(std::string_view text, std::string_view part) {
   return caseInsensitiveKey(text).find(caseInsensitiveKey(part)) != std::string::npos;
 }
 
+std::string folded(std::string_view text) {
+  if (isASCII(text)) return asciiMapped(text, 'A', 'Z', 'a' - 'A');
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
+  const icu::UnicodeString decomposed = nfd->normalize(toUnicodeString(text), status);
+  if (U_FAILURE(status)) return lowercased(text);
+  icu::UnicodeString bare;
+  for (int32_t i = 0; i < decomposed.length(); ++i) {
+    const char16_t unit = decomposed[i];
+    if (unit < 0x300 || unit > 0x36F) bare.append(unit);
+  }
+  return toUTF8(bare.toLower(icu::Locale::getRoot()));
+}
+
 int compareLocalized(std::string_view a, std::string_view b) {
   UErrorCode status = U_ZERO_ERROR;
   const UCollationResult order = listCollator().compareUTF8(

@@ -96,6 +96,10 @@ std::string caseInsensitiveKey(std::string_view text);
 // True when lower-cased `text` contains lower-cased `part`.
 bool containsIgnoringCase(std::string_view text, std::string_view part);
 
+// The text without what a careless search overlooks: decomposed, without the marks U+0300 to U+036F,
+// lower-cased.
+std::string folded(std::string_view text);
+
 // The order of lists for people: by the user's language, digits by their value ("9" before
 // "10"), accents and then case only to break ties. Negative, zero or positive.
 int compareLocalized(std::string_view a, std::string_view b);

@@ -216,6 +216,81 @@ std::optional<Day> parseDayKey(std::string_view text) {
   return Day::make(year, month, day);
 }
 
+namespace {
+
+std::optional<Instant> localTime(std::optional<Day> day, int hour, int minute) {
+  if (!day || hour > 23 || minute > 59) return std::nullopt;
+  std::tm parts{};
+  parts.tm_year = day->year - 1900;
+  parts.tm_mon = day->month - 1;
+  parts.tm_mday = day->day;
+  parts.tm_hour = hour;
+  parts.tm_min = minute;
+  parts.tm_isdst = -1;
+  return Instant{std::mktime(&parts), 0};
+}
+
+// A day in front, then the separator and the time with or without a colon.
+std::optional<Instant> dateWithTime(std::string_view text, char separator, bool hasColon) {
+  static constexpr size_t kDaySize = 10;
+  const std::optional<Day> day = parse(text.substr(0, kDaySize));
+  if (!day) return std::nullopt;
+  text.remove_prefix(kDaySize);
+  int hour = 0;
+  int minute = 0;
+  if (!take(text, separator) || !takeNumber(text, 2, hour) || (hasColon && !take(text, ':')) ||
+      !takeNumber(text, 2, minute) || !text.empty()) {
+    return std::nullopt;
+  }
+  return localTime(day, hour, minute);
+}
+
+std::optional<Instant> localMinuteDate(std::string_view text) {
+  return dateWithTime(text, 'T', true);
+}
+
+std::optional<Instant> localFileStampDate(std::string_view text) {
+  return dateWithTime(text, ' ', false);
+}
+
+std::optional<Instant> localDayKeyDate(std::string_view text) {
+  const std::optional<Day> day = parseDayKey(text);
+  return day ? std::optional(day->localStart()) : std::nullopt;
+}
+
+std::optional<Instant> isoMoment(std::string_view text) {
+  return text.find('.') == std::string_view::npos ? parseISO8601(text) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Instant> localDate(std::string_view text) {
+  const std::optional<Day> day = parse(text);
+  return day ? std::optional(day->localStart()) : std::nullopt;
+}
+
+std::optional<Instant> utcDate(std::string_view text) {
+  const std::optional<Day> day = parse(text);
+  return day ? std::optional(day->utcMidnight()) : std::nullopt;
+}
+
+std::optional<Formatter> machineFormatter(std::string_view pattern) {
+  if (pattern == "yyyy-MM-dd") return Formatter{local, localDate};
+  if (pattern == "yyyyMMdd") return Formatter{localDayKey, localDayKeyDate};
+  if (pattern == "yyyy-MM-dd'T'HH:mm") return Formatter{localMinute, localMinuteDate};
+  if (pattern == "yyyy-MM-dd HHmm") return Formatter{localFileStamp, localFileStampDate};
+  return std::nullopt;
+}
+
+std::optional<Instant> propertyDate(std::string_view text, bool includeTime) {
+  if (!includeTime) {
+    const std::optional<Instant> day = localDate(text);
+    return day ? day : isoMoment(text);
+  }
+  const std::optional<Instant> moment = isoMoment(text);
+  return moment ? moment : localMinuteDate(text);
+}
+
 }  // namespace LKDateOnly
 
 }  // namespace lk

@@ -68,6 +68,23 @@ std::string dayKey(Day day);  // yyyyMMdd
 std::optional<Day> parse(std::string_view text);
 std::optional<Day> parseDayKey(std::string_view text);
 
+// Midnight of a day written yyyy-MM-dd, in the current time zone or in UTC.
+std::optional<Instant> localDate(std::string_view text);
+std::optional<Instant> utcDate(std::string_view text);
+
+// One of the machine forms as a value.
+struct Formatter {
+  std::string (*string)(Instant instant);
+  std::optional<Instant> (*date)(std::string_view text);
+};
+
+// The form of a pattern, one of the four `local...` patterns above; nothing for any other.
+std::optional<Formatter> machineFormatter(std::string_view pattern);
+
+// The value of a date property: with a time "2026-03-14T09:26:53Z", with any zone and without
+// fractional seconds, or else "2026-03-14T09:26"; without, "2026-03-14" or else the first of those.
+std::optional<Instant> propertyDate(std::string_view text, bool includeTime);
+
 }  // namespace LKDateOnly
 
 }  // namespace lk

@@ -77,6 +77,12 @@ std::optional<UUID> UUID::parse(std::string_view text) {
   return uuid;
 }
 
+UUID UUID::fromBytes(const std::array<uint8_t, 16>& bytes) {
+  UUID uuid;
+  uuid.bytes_ = bytes;
+  return uuid;
+}
+
 std::string UUID::text() const {
   return formatted("0123456789ABCDEF");
 }

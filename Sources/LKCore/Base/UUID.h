@@ -24,6 +24,10 @@ class UUID {
   // Reads the 36-character form in any case; anything else gives nothing.
   static std::optional<UUID> parse(std::string_view text);
 
+  // The 16 bytes in the order of the text.
+  static UUID fromBytes(const std::array<uint8_t, 16>& bytes);
+  const std::array<uint8_t, 16>& bytes() const noexcept { return bytes_; }
+
   std::string text() const;
   std::string lowercaseText() const;
 

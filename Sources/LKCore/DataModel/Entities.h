@@ -6,7 +6,9 @@
 // A row belongs to the table that it was inserted into or fetched from (LKContext.h) and stays
 // where it is as long as the context lives or until it is removed. Relations are plain pointers,
 // null for none, with the inverse kept by the functions below; nobody else writes them. A fetch
-// fills only what it was asked for (LKParts); what was not asked for has the value of a new row.
+// fills only what it was asked for (LKParts); what was not asked for has the value of a new row. Such
+// a value can be set, but not emptied: fetch it first. The far side of a relation (`LKTag::notes`)
+// holds the rows that were fetched so far, and all of them once the row itself was fetched.
 
 #include <cstdint>
 #include <filesystem>

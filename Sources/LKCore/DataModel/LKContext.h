@@ -2,7 +2,8 @@
 
 // One user's view of an index: six tables of rows, changed in memory and saved together. A context
 // is used on one thread. Two implementations answer alike: MemoryStore.h, whose rows are all there
-// is, and SQLiteStore.h, a file.
+// is, and SQLiteStore.h, a file. What was changed here counts for every fetch and count at once, saved
+// or not.
 //
 //     LKNote& note = context.notes().insert(LKNote("Groceries", "- [ ] Milk"));
 //     addTag(note, tag);
@@ -36,12 +37,14 @@ class LKTable {
   virtual std::vector<Row*> fetch(const LKFetch<Row>& what = {}) = 0;
   // Rows without their relations being read. Throws LKStoreError.
   virtual size_t count(const LKPredicate<Row>& where = {}) = 0;
-  // `row` has no relations yet.
+  // `row` has no relations yet. An id that is changed later counts for predicates by id from the
+  // next save on.
   virtual Row& insert(Row row) = 0;
   // Also takes the row out of its relations. Removing a note removes its tasks and links.
   virtual void remove(Row& row) = 0;
   virtual void removeAll() = 0;
-  // Stays the same for the row's life, across processes for a store on disk.
+  // Stays the same for the row's life, across processes for a store on disk, where a row that was
+  // never saved has 0.
   virtual int64_t persistentID(const Row& row) = 0;
 };
 

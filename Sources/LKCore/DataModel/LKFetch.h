@@ -13,8 +13,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -29,6 +33,8 @@ struct LKPredicate {
   std::function<bool(const Row&)> test;  // empty: every row
   std::string sql;                       // a condition with "?" for each value; empty: every row
   std::vector<LKSqlValue> values;
+  // When there, a shortcut: no row with another id passes.
+  std::shared_ptr<const std::unordered_set<UUID>> ids = nullptr;
 };
 
 enum class LKOrder { ascending, descending };
@@ -50,7 +56,19 @@ struct LKFetch {
 };
 
 template <typename Row>
-LKPredicate<Row> allOf(LKPredicate<Row> a, LKPredicate<Row> b);
+LKPredicate<Row> allOf(LKPredicate<Row> a, LKPredicate<Row> b) {
+  if (!a.test) return b;
+  if (!b.test) return a;
+  LKPredicate<Row> both;
+  both.sql = "(" + a.sql + ") AND (" + b.sql + ")";
+  both.values = std::move(a.values);
+  both.values.insert(both.values.end(), b.values.begin(), b.values.end());
+  both.ids = a.ids ? a.ids : b.ids;
+  both.test = [first = std::move(a.test), second = std::move(b.test)](const Row& row) {
+    return first(row) && second(row);
+  };
+  return both;
+}
 
 LKPredicate<LKNote> notesWithID(const UUID& id);
 LKPredicate<LKNote> notesWithIDs(const std::vector<UUID>& ids);
@@ -67,5 +85,9 @@ LKPredicate<LKTag> tagsWithText(const std::vector<std::string>& texts);
 LKPredicate<LKBackLink> linksTo(const UUID& noteID);
 
 LKSort<LKNote> notesByModifiedDate(LKOrder order);  // sortModifiedDate
+
+// The test of notesWithTitleLike: whether folded `text` contains what is folded already
+// (text::folded).
+bool foldedContains(std::string_view text, std::string_view foldedPart);
 
 }  // namespace lk

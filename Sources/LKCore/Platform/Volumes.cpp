@@ -1,6 +1,7 @@
 #include "LKCore/Platform/Volumes.h"
 
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
 #include <fstream>
@@ -20,6 +21,12 @@ bool isOnRemovableVolume(const std::filesystem::path& path) {
     if (in.get(flag)) return flag == '1';
   }
   return false;
+}
+
+std::optional<uint64_t> availableCapacity(const std::filesystem::path& path) {
+  struct statvfs volume {};
+  if (statvfs(path.c_str(), &volume) != 0) return std::nullopt;
+  return uint64_t{volume.f_bavail} * volume.f_frsize;
 }
 
 }  // namespace lk

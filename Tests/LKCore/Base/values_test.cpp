@@ -156,5 +156,46 @@ TEST_F(Days, ReadTheirTwoFormsExactly) {
   }
 }
 
+TEST_F(Days, ComeBackFromTheMachineForms) {
+  use("America/New_York");
+  const Instant minute = *parseISO8601("2026-03-14T02:30:00Z");
+  for (const char* pattern : {"yyyy-MM-dd'T'HH:mm", "yyyy-MM-dd HHmm"}) {
+    const auto formatter = LKDateOnly::machineFormatter(pattern);
+    EXPECT_EQ(formatter->date(formatter->string(minute)), minute) << pattern;
+    EXPECT_FALSE(formatter->date(formatter->string(minute) + " ").has_value()) << pattern;
+    EXPECT_FALSE(formatter->date("2026-03-14").has_value()) << pattern;
+  }
+  for (const char* pattern : {"yyyy-MM-dd", "yyyyMMdd"}) {
+    const auto formatter = LKDateOnly::machineFormatter(pattern);
+    EXPECT_EQ(formatter->date(formatter->string(minute)), (Day{2026, 3, 13}.localStart()));
+  }
+  EXPECT_FALSE(LKDateOnly::machineFormatter("yyyy").has_value());
+  EXPECT_EQ(LKDateOnly::utcDate("2026-03-14"), parseISO8601("2026-03-14T00:00:00Z"));
+  EXPECT_FALSE(LKDateOnly::localDate("2026-02-30").has_value());
+}
+
+TEST_F(Days, AreReadFromPropertiesWithAndWithoutATime) {
+  use("America/New_York");
+  const struct {
+    const char* text;
+    const char* withTime;  // in UTC; null for none
+    const char* withoutTime;
+  } cases[] = {
+      {"2026-03-14", nullptr, "2026-03-14T04:00:00Z"},
+      {"2026-03-14T09:26", "2026-03-14T13:26:00Z", nullptr},
+      {"2026-03-14T24:00", nullptr, nullptr},
+      {"2026-03-14T09:26:53+02:00", "2026-03-14T07:26:53Z", "2026-03-14T07:26:53Z"},
+      {"2026-03-14T09:26:53.5Z", nullptr, nullptr},
+      {"tomorrow", nullptr, nullptr},
+  };
+  const auto wanted = [](const char* text) {
+    return text == nullptr ? std::nullopt : parseISO8601(text);
+  };
+  for (const auto& row : cases) {
+    EXPECT_EQ(LKDateOnly::propertyDate(row.text, true), wanted(row.withTime)) << row.text;
+    EXPECT_EQ(LKDateOnly::propertyDate(row.text, false), wanted(row.withoutTime)) << row.text;
+  }
+}
+
 }  // namespace
 }  // namespace lk
