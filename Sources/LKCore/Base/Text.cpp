@@ -25,13 +25,19 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0U) == 0x80U;
 }
 
+constexpr size_t kWordBytes = 8;
+
+// True when the eight bytes at `offset` are there and all below 0x80.
+bool isASCIIWord(std::string_view text, size_t offset) {
+  if (text.size() - offset < kWordBytes) return false;
+  uint64_t word = 0;
+  std::memcpy(&word, text.data() + offset, kWordBytes);
+  return (word & 0x8080808080808080ULL) == 0;
+}
+
 bool isASCII(std::string_view text) {
   size_t i = 0;
-  for (; i + 8 <= text.size(); i += 8) {
-    uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, 8);
-    if ((word & 0x8080808080808080ULL) != 0) return false;
-  }
+  while (isASCIIWord(text, i)) i += kWordBytes;
   for (; i < text.size(); ++i) {
     if (static_cast<unsigned char>(text[i]) >= 0x80) return false;
   }
@@ -105,6 +111,15 @@ std::string toUTF8(const icu::UnicodeString& text) {
   return result;
 }
 
+std::string normalized(std::string_view text, const icu::Normalizer2* (*form)(UErrorCode& status)) {
+  if (isASCII(text)) return std::string(text);
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Normalizer2* const normalizer = form(status);
+  if (U_FAILURE(status)) return std::string(text);
+  const icu::UnicodeString result = normalizer->normalize(toUnicodeString(text), status);
+  return U_FAILURE(status) ? std::string(text) : toUTF8(result);
+}
+
 std::string asciiMapped(std::string_view text, char first, char last, int shift) {
   std::string result(text);
   for (char& c : result) {
@@ -137,6 +152,10 @@ const icu::Collator& listCollator() {
 bool isValidUTF8(std::string_view bytes) {
   size_t i = 0;
   while (i < bytes.size()) {
+    if (isASCIIWord(bytes, i)) {
+      i += kWordBytes;
+      continue;
+    }
     if (static_cast<unsigned char>(bytes[i]) < 0x80) {
       ++i;
       continue;
@@ -238,6 +257,10 @@ bool isWhitespaceOrNewline(char32_t scalar) {
 
 bool isLetter(char32_t scalar) {
   return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
+}
+
+bool isMark(char32_t scalar) {
+  return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & U_GC_M_MASK) != 0;
 }
 
 bool isDecimalDigit(char32_t scalar) {
@@ -343,11 +366,11 @@ std::string uppercased(std::string_view text) {
 }
 
 std::string composed(std::string_view text) {
-  if (isASCII(text)) return std::string(text);
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
-  const icu::UnicodeString result = nfc->normalize(toUnicodeString(text), status);
-  return U_FAILURE(status) ? std::string(text) : toUTF8(result);
+  return normalized(text, icu::Normalizer2::getNFCInstance);
+}
+
+std::string decomposed(std::string_view text) {
+  return normalized(text, icu::Normalizer2::getNFDInstance);
 }
 
 bool equal(std::string_view a, std::string_view b) {
@@ -361,7 +384,8 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 std::string caseInsensitiveKey(std::string_view text) {
-  return composed(lowercased(text));
+  std::string lower = lowercased(text);
+  return isASCII(lower) ? lower : composed(lower);
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {

@@ -103,9 +103,15 @@ void appendProperties(std::string& file, const Pairs& userProperties) {
 }  // namespace
 
 LKParsedDocument parseDocument(std::string_view text) {
+  std::optional<LKParsedDocument> document = parseDocumentIfValid(text);
+  if (!document) throw LKSyncError::invalidFrontMatter("unknown");
+  return std::move(*document);
+}
+
+std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text) {
   std::optional<ScannedBlock> block = scanBlock(text);
   if (!block || !block->isClosed || !block->fields.id || !block->fields.created) {
-    throw LKSyncError::invalidFrontMatter("unknown");
+    return std::nullopt;
   }
   SalvagedFields& fields = block->fields;
   LKParsedDocument document;

@@ -116,6 +116,10 @@ struct LKParsedDocument {
 // caller replaces by the true one.
 LKParsedDocument parseDocument(std::string_view text);
 
+// The same, with nothing for a file without a valid block: for readers of many files, of which any
+// number may be plain Markdown.
+std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text);
+
 // The whole file. The body stands in it as given; `lk-hash` is computed from it here, whatever
 // `contentHash` says.
 std::string serialize(const LKFileFrontMatter& frontMatter, std::string_view body);
