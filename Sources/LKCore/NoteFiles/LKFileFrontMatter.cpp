@@ -173,6 +173,14 @@ LKFileFrontMatter refreshingTitle(LKFileFrontMatter frontMatter, const std::file
   return frontMatter;
 }
 
+std::optional<std::string> blockStatus(const LKFileFrontMatter& frontMatter) {
+  constexpr const char* kArchived = "archived";
+  if (frontMatter.isArchived) return kArchived;
+  const auto status = frontMatter.userProperties.find("status");
+  if (status == frontMatter.userProperties.end()) return std::nullopt;
+  return text::lowercased(status->second) == kArchived ? kArchived : status->second;
+}
+
 bool isWritablePropertyKey(std::string_view key) {
   const std::string lineKey = oneLine(key);
   return !lineKey.empty() && lineKey.find(':') == std::string::npos && !isReserved(lineKey);

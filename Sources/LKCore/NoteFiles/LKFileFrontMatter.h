@@ -132,6 +132,9 @@ std::optional<UUID> readIdentity(std::string_view fileStart);
 // A copy whose title is the display name of the file.
 LKFileFrontMatter refreshingTitle(LKFileFrontMatter frontMatter, const std::filesystem::path& url);
 
+// The state of the note: "archived", or else its property "status".
+std::optional<std::string> blockStatus(const LKFileFrontMatter& frontMatter);
+
 // False for a key that would not come back as a property of that name: empty or only blanks, with
 // a colon, protected, or beginning with "lk-". `serialize` leaves such a property out, so whoever
 // takes keys from a person asks first.
