@@ -158,7 +158,7 @@ Body bodyFrom(Numbers& numbers, size_t count, uint64_t seed, size_t size) {
 GeneratedNote generatedNote(size_t index, size_t count, uint64_t seed) {
   const std::string title = titleOf(index, seed);
   Numbers numbers = numbersOf(index, ~seed);
-  const size_t bodySize = 900 + numbers.below(4700);
+  const size_t bodySize = 960 + numbers.below(4700);
   const Body body = bodyFrom(numbers, count, seed, bodySize);
   LKFileFrontMatter frontMatter;
   frontMatter.id = idFrom(numbers);

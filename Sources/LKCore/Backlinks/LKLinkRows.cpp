@@ -288,11 +288,4 @@ std::map<std::string, ContextLine> contextLines(const References& references,
   return lines;
 }
 
-bool isDateReference(std::string_view reference) {
-  constexpr size_t kDigits = 8;
-  return reference.starts_with('@') ||
-         (reference.size() == kDigits &&
-          std::ranges::all_of(reference, [](char c) { return c >= '0' && c <= '9'; }));
-}
-
 }  // namespace lk::LKLinkRows

@@ -72,9 +72,6 @@ struct ContextLine {
 std::map<std::string, ContextLine> contextLines(const References& references,
                                                 std::string_view body);
 
-// True for the reference of a row that stands for a date: it begins with "@" or is eight digits.
-bool isDateReference(std::string_view reference);
-
 }  // namespace LKLinkRows
 
 }  // namespace lk

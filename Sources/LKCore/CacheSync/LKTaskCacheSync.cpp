@@ -1,6 +1,8 @@
 #include "LKCore/CacheSync/LKTaskCacheSync.h"
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 #include <mutex>
 #include <unordered_map>
 #include <unordered_set>
@@ -9,6 +11,7 @@
 #include "LKCore/Base/Log.h"
 #include "LKCore/Base/Notices.h"
 #include "LKCore/Base/Text.h"
+#include "LKCore/DataModel/LKModelContainer.h"
 #include "LKCore/Navigation/LKProjectStore.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Tasks/LKTaskDue.h"
@@ -158,6 +161,12 @@ Outcome syncTasks(const UUID& noteID, std::string_view body,
   reconcileReminders(context);
   makeProjectsKnown(note);
   return Synced{found.tasks.size()};
+}
+
+Outcome syncTasks(const UUID& noteID, const UUID& collectionID, std::string_view body,
+                  const std::vector<TaskEntry>& taskEntries) {
+  const std::unique_ptr<LKContext> context = LKModelContainer::shared().newContext(collectionID);
+  return syncTasks(noteID, body, taskEntries, *context);
 }
 
 void setReminders(std::function<void(LKContext&)> reconcile) {

@@ -43,6 +43,10 @@ using Outcome = std::variant<Synced, NoteNotFound, ClearedNoTasks>;
 Outcome syncTasks(const UUID& noteID, std::string_view body,
                   const std::vector<TaskEntry>& taskEntries, LKContext& context);
 
+// The same on a context of its own over the collection's store.
+Outcome syncTasks(const UUID& noteID, const UUID& collectionID, std::string_view body,
+                  const std::vector<TaskEntry>& taskEntries);
+
 // Called after each sync that left tasks, with the context: the host's planner of reminders. An
 // empty function ends that. Set before the first sync.
 void setReminders(std::function<void(LKContext&)> reconcile);
