@@ -84,7 +84,7 @@ class TaskRows {
     return !others.empty();
   }
 
-  bool madeRows() const { return madeRows_; }
+  bool hasNewRows() const { return hasNewRows_; }
 
  private:
   LKTask* existingRow(const UUID& id) {
@@ -93,7 +93,7 @@ class TaskRows {
     const auto found = context_.tasks().fetch({.where = tasksWithID(id), .limit = 1});
     if (found.empty()) return nullptr;
     setNote(*found.front(), &note_);  // the line was moved here from another note
-    madeRows_ = true;
+    hasNewRows_ = true;
     return found.front();
   }
 
@@ -110,7 +110,7 @@ class TaskRows {
     row.id = id;
     LKTask& added = context_.tasks().insert(std::move(row));
     setNote(added, &note_);
-    madeRows_ = true;
+    hasNewRows_ = true;
     return added;
   }
 
@@ -120,7 +120,7 @@ class TaskRows {
   std::unordered_map<int, UUID> entryIDs_;
   std::unordered_set<UUID> named_;
   std::unordered_set<const LKTask*> kept_;
-  bool madeRows_ = false;
+  bool hasNewRows_ = false;
 };
 
 std::vector<std::string> projectNames(const LKNote& note) {
@@ -154,7 +154,7 @@ Outcome syncTasks(const UUID& noteID, std::string_view body,
   for (const TaskInfo& info : found.tasks) {
     isChanged = populate(rows.rowFor(info), info, inherited) || isChanged;
   }
-  isChanged = rows.removeOthers() || rows.madeRows() || isChanged;
+  isChanged = rows.removeOthers() || rows.hasNewRows() || isChanged;
   context.save();
   if (isChanged) notices::post(lkTasksChanged);
   if (found.tasks.empty()) return ClearedNoTasks{};

@@ -163,13 +163,14 @@ class IndexBuild {
  private:
   struct Winner {
     LKNote* note = nullptr;
-    std::string name;
+    std::string_view name;  // of its file
   };
 
   bool wants(LKParts part) const { return hasParts(parts_, part); }
 
   void addFile(const std::string& path, const FolderReader::File& file);
-  bool takePlace(const UUID& id, std::string_view name);
+  bool isTrashed(std::string_view path) const { return isWholeInTrash_ || isBelowTrash(path); }
+  bool takePlace(const UUID& id, std::string_view path);
   LKNote rowOf(const std::string& path, const FolderReader::File& file, NoteSource& source) const;
   void addExtracted(LKNote& note, const NoteSource& source);
   void addTags(LKNote& note, ExtractionResult& found);
@@ -187,16 +188,15 @@ class IndexBuild {
   std::shared_ptr<const LKProjectTermsSnapshot> terms_ = LKProjectTerms::snapshot();
   std::optional<fs::path> attachments_;  // when pictures are asked for
   std::optional<TagTable> tags_;
-  std::unordered_map<UUID, Winner> winners_;  // by id
+  std::unordered_map<UUID, Winner> winners_;  // by id; the names are those of the paths in `run`
 };
 
 void IndexBuild::addFile(const std::string& path, const FolderReader::File& file) {
   NoteSource source = sourceOf(file.bytes, ids_);
   const UUID id = source.frontMatter.id;
-  const std::string_view name = nameOf(path);
-  if (source.hasBlock && !takePlace(id, name)) return;
+  if (source.hasBlock && !takePlace(id, path)) return;
   LKNote& note = context_.notes().insert(rowOf(path, file, source));
-  if (source.hasBlock) winners_[id] = {&note, std::string(name)};
+  if (source.hasBlock) winners_[id] = {&note, nameOf(path)};
   if (wants(LKParts::words)) updateBodyDerivedCounters(note, source.body);
   const bool isExtracted = wants(LKParts::tags) || wants(LKParts::tasks) || wants(LKParts::links);
   if (isExtracted) addExtracted(note, source);
@@ -204,12 +204,13 @@ void IndexBuild::addFile(const std::string& path, const FolderReader::File& file
 }
 
 // False when the note of this id is there already and stays.
-bool IndexBuild::takePlace(const UUID& id, std::string_view name) {
+bool IndexBuild::takePlace(const UUID& id, std::string_view path) {
   const auto earlier = winners_.find(id);
   if (earlier == winners_.end()) return true;
-  if (name >= earlier->second.name) return false;
-  context_.notes().remove(*earlier->second.note);
-  return true;
+  const auto& [note, name] = earlier->second;
+  const bool wins = note->isTrashed == isTrashed(path) ? nameOf(path) < name : note->isTrashed;
+  if (wins) context_.notes().remove(*note);
+  return wins;
 }
 
 LKNote IndexBuild::rowOf(const std::string& path, const FolderReader::File& file,
@@ -225,7 +226,7 @@ LKNote IndexBuild::rowOf(const std::string& path, const FolderReader::File& file
   note.creationDate =
       source.hasBlock ? frontMatter.created : creationDateOf(*note.fileURL, file.modified);
   note.isFavourite = frontMatter.isFavourite;
-  note.isTrashed = isWholeInTrash_ || isBelowTrash(path);
+  note.isTrashed = isTrashed(path);
   note.isBook = frontMatter.isBook;
   note.status = blockStatus(frontMatter);
   note.dailyDate = frontMatter.dailyDate;

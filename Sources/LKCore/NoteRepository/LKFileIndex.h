@@ -16,8 +16,8 @@
 // fresh id in each run. Hidden folders other than ".daily", ".trash" and ".templates" are passed
 // over, hidden files and packages too. Rows come in the order of the files' paths, by bytes.
 //
-// Of files that share an id the one with the smallest name counts, and of those with one name the
-// first. A link has one row for each distinct reference of its note and points to the note of that
+// Of files that share an id one counts: a live one before one in the trash, then the one with the
+// smallest name, then the first. A link has one row for each distinct reference of its note and points to the note of that
 // title, a live one before one in the trash. A task that the block has no id for has one for this
 // run.
 namespace lk::LKFileIndex {

@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <new>
+#include <stdexcept>
+
 #include "LKCore/Platform/Descriptor.h"
 
 namespace lk {
@@ -13,8 +16,9 @@ namespace {
 // A regular file needs one byte more than it holds: the read that finds its end.
 constexpr size_t kEndProbe = 1;
 
-// The number of bytes read; nothing when reading fails.
-std::optional<size_t> readInto(std::string& buffer, const Descriptor& file) {
+// The number of bytes read; nothing when reading fails. `expected` saves the buffer from growing.
+std::optional<size_t> fill(std::string& buffer, const Descriptor& file, size_t expected) {
+  if (buffer.size() < expected) buffer.resize(expected);
   for (size_t filled = 0;;) {
     if (filled == buffer.size()) buffer.resize(buffer.size() * 2);
     const ssize_t got = uninterrupted(
@@ -41,12 +45,16 @@ std::optional<FolderReader::File> FolderReader::read(const std::string& relative
       uninterrupted([&] { return ::openat(folder_, relativePath.c_str(), kFlags); }));
   struct stat info {};
   if (!file || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  const size_t needed = static_cast<size_t>(info.st_size) + kEndProbe;
-  if (buffer_.size() < needed) buffer_.resize(needed);
-  const auto size = readInto(buffer_, file);
-  if (!size) return std::nullopt;
-  return File{std::string_view(buffer_).substr(0, *size),
-              {info.st_mtim.tv_sec, static_cast<int32_t>(info.st_mtim.tv_nsec)}};
+  try {
+    const auto size = fill(buffer_, file, static_cast<size_t>(info.st_size) + kEndProbe);
+    if (!size) return std::nullopt;
+    return File{std::string_view(buffer_).substr(0, *size),
+                {info.st_mtim.tv_sec, static_cast<int32_t>(info.st_mtim.tv_nsec)}};
+  } catch (const std::bad_alloc&) {
+    return std::nullopt;
+  } catch (const std::length_error&) {
+    return std::nullopt;
+  }
 }
 
 }  // namespace lk

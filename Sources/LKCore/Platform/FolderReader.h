@@ -28,8 +28,8 @@ class FolderReader {
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
 
-  // Nothing for what is no regular file or symbolic link to one, and for what cannot be read.
-  // Never waits for a FIFO or a device.
+  // Nothing for what is no regular file or symbolic link to one, and for what cannot be read
+  // or held. Never waits for a FIFO or a device.
   std::optional<File> read(const std::string& relativePath);
 
  private:

@@ -117,6 +117,7 @@ const DuplicateRow kDuplicates[] = {
     {"TheSmallerNameIsReadLater", {"1/b.md", "2/a.md"}, "2/a.md"},
     {"OneName", {"1/a.md", "2/a.md"}, "1/a.md"},
     {"Three", {"1/c.md", "2/a.md", "3/b.md"}, "2/a.md"},
+    {"ALiveOneBeforeTheTrash", {".trash/a.md", "1/.trash/b.md", "b.md", "c.md"}, "b.md"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Rows, Duplicates, testing::ValuesIn(kDuplicates),
