@@ -58,9 +58,9 @@ INSTANTIATE_TEST_SUITE_P(Rows, ContextLines, testing::ValuesIn(kLines),
 class LinkRows : public testing::Test {
  protected:
   LKNote& put(const std::string& title, bool isTrashed = false) {
-    LKNote& note = context->notes().insert(LKNote(title, ""));
-    note.isTrashed = isTrashed;
-    return note;
+    LKNote& added = context->notes().insert(LKNote(title, ""));
+    added.isTrashed = isTrashed;
+    return added;
   }
 
   LKBackLink& putRow(const std::string& reference, const LKNote* target) {
