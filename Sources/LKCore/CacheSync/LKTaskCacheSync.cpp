@@ -56,10 +56,14 @@ class TaskRows {
  public:
   TaskRows(LKNote& note, const std::vector<TaskEntry>& entries, LKContext& context)
       : note_(note), context_(context) {
-    for (LKTask* row : note.tasks) byID_.emplace(row->id, row);
+    std::unordered_set<UUID> named;
     for (const TaskEntry& entry : entries) {
       entryIDs_.emplace(entry.paragraphIndex, entry.id);
-      named_.insert(entry.id);
+      named.insert(entry.id);
+    }
+    for (LKTask* row : note.tasks) {
+      byID_.emplace(row->id, row);
+      if (!named.contains(row->id)) unnamed_.emplace(row->paragraphIndex, row);
     }
   }
 
@@ -80,7 +84,8 @@ class TaskRows {
     std::vector<LKTask*> others;
     std::ranges::copy_if(note_.tasks, std::back_inserter(others),
                          [&](LKTask* row) { return !kept_.contains(row); });
-    for (LKTask* row : others) context_.tasks().remove(*row);
+    // A row is looked for in its note from the end.
+    for (auto row = others.rbegin(); row != others.rend(); ++row) context_.tasks().remove(**row);
     return !others.empty();
   }
 
@@ -98,11 +103,9 @@ class TaskRows {
   }
 
   LKTask* unnamedRowOf(const TaskInfo& info) const {
-    const auto found = std::ranges::find_if(note_.tasks, [&](const LKTask* row) {
-      return row->paragraphIndex == info.paragraphIndex && row->text == info.text &&
-             !named_.contains(row->id);
-    });
-    return found == note_.tasks.end() ? nullptr : *found;
+    const auto found = unnamed_.find(info.paragraphIndex);
+    const bool isSame = found != unnamed_.end() && found->second->text == info.text;
+    return isSame ? found->second : nullptr;
   }
 
   LKTask& newRow(const UUID& id) {
@@ -118,7 +121,7 @@ class TaskRows {
   LKContext& context_;
   std::unordered_map<UUID, LKTask*> byID_;
   std::unordered_map<int, UUID> entryIDs_;
-  std::unordered_set<UUID> named_;
+  std::unordered_map<int, LKTask*> unnamed_;  // those that no entry names, by their lines
   std::unordered_set<const LKTask*> kept_;
   bool hasNewRows_ = false;
 };
