@@ -109,6 +109,17 @@ std::string toUTF8(const icu::UnicodeString& text) {
   return result;
 }
 
+std::string normalized(std::string_view text, const icu::Normalizer2* (*form)(UErrorCode& status)) {
+  if (isASCII(text)) return std::string(text);
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Normalizer2* const normalizer = form(status);
+  if (U_FAILURE(status)) return std::string(text);
+  const icu::StringPiece piece(text.data(), static_cast<int32_t>(text.size()));
+  if (normalizer->isNormalizedUTF8(piece, status)) return std::string(text);
+  const icu::UnicodeString result = normalizer->normalize(toUnicodeString(text), status);
+  return U_FAILURE(status) ? std::string(text) : toUTF8(result);
+}
+
 std::string asciiMapped(std::string_view text, char first, char last, int shift) {
   std::string result(text);
   for (char& c : result) {
@@ -243,6 +254,10 @@ bool isLetter(char32_t scalar) {
   return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
 }
 
+bool isMark(char32_t scalar) {
+  return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & U_GC_M_MASK) != 0;
+}
+
 bool isDecimalDigit(char32_t scalar) {
   return u_isdigit(static_cast<UChar32>(scalar)) != 0;
 }
@@ -346,13 +361,11 @@ std::string uppercased(std::string_view text) {
 }
 
 std::string composed(std::string_view text) {
-  if (isASCII(text)) return std::string(text);
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
-  const icu::StringPiece piece(text.data(), static_cast<int32_t>(text.size()));
-  if (U_SUCCESS(status) && nfc->isNormalizedUTF8(piece, status)) return std::string(text);
-  const icu::UnicodeString result = nfc->normalize(toUnicodeString(text), status);
-  return U_FAILURE(status) ? std::string(text) : toUTF8(result);
+  return normalized(text, icu::Normalizer2::getNFCInstance);
+}
+
+std::string decomposed(std::string_view text) {
+  return normalized(text, icu::Normalizer2::getNFDInstance);
 }
 
 bool equal(std::string_view a, std::string_view b) {
@@ -366,7 +379,8 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 std::string caseInsensitiveKey(std::string_view text) {
-  return composed(lowercased(text));
+  std::string lower = lowercased(text);
+  return isASCII(lower) ? lower : composed(lower);
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {

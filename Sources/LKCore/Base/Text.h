@@ -56,6 +56,7 @@ inline bool isBlank(char32_t scalar) {
 // Either of the two.
 bool isWhitespaceOrNewline(char32_t scalar);
 bool isLetter(char32_t scalar);        // general categories L* and M*
+bool isMark(char32_t scalar);          // M*
 bool isDecimalDigit(char32_t scalar);  // Nd
 bool isPunctuation(char32_t scalar);   // P*
 
@@ -85,7 +86,8 @@ std::string escapedInvalid(std::string_view bytes);
 
 std::string lowercased(std::string_view text);  // full Unicode mapping, no locale
 std::string uppercased(std::string_view text);
-std::string composed(std::string_view text);  // NFC
+std::string composed(std::string_view text);    // NFC
+std::string decomposed(std::string_view text);  // NFD
 
 // Canonical equivalence: "é" equals "e" with a combining acute.
 bool equal(std::string_view a, std::string_view b);

@@ -99,6 +99,13 @@ Instant Instant::now() {
   return {time.tv_sec, static_cast<int32_t>(time.tv_nsec)};
 }
 
+Instant Instant::addingLocalDays(int days) const {
+  std::tm parts = broken(*this, true);
+  parts.tm_mday += days;
+  parts.tm_isdst = -1;
+  return {std::mktime(&parts), nanoseconds};
+}
+
 Day Day::local(Instant instant) {
   return dayOf(broken(instant, true));
 }

@@ -18,6 +18,9 @@ struct Instant {
 
   static Instant now();
 
+  // The same time of day so many days later, or earlier, in the current time zone.
+  Instant addingLocalDays(int days) const;
+
   auto operator<=>(const Instant&) const = default;
 };
 

@@ -103,9 +103,15 @@ void appendProperties(std::string& file, const Pairs& userProperties) {
 }  // namespace
 
 LKParsedDocument parseDocument(std::string_view text) {
+  std::optional<LKParsedDocument> document = parseDocumentIfValid(text);
+  if (!document) throw LKSyncError::invalidFrontMatter("unknown");
+  return std::move(*document);
+}
+
+std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text) {
   std::optional<ScannedBlock> block = scanBlock(text);
   if (!block || !block->isClosed || !block->fields.id || !block->fields.created) {
-    throw LKSyncError::invalidFrontMatter("unknown");
+    return std::nullopt;
   }
   SalvagedFields& fields = block->fields;
   LKParsedDocument document;
@@ -165,6 +171,14 @@ std::optional<UUID> readIdentity(std::string_view fileStart) {
 LKFileFrontMatter refreshingTitle(LKFileFrontMatter frontMatter, const std::filesystem::path& url) {
   frontMatter.title = LKNoteFilename::displayName(url);
   return frontMatter;
+}
+
+std::optional<std::string> blockStatus(const LKFileFrontMatter& frontMatter) {
+  constexpr const char* kArchived = "archived";
+  if (frontMatter.isArchived) return kArchived;
+  const auto status = frontMatter.userProperties.find("status");
+  if (status == frontMatter.userProperties.end()) return std::nullopt;
+  return text::lowercased(status->second) == kArchived ? kArchived : status->second;
 }
 
 bool isWritablePropertyKey(std::string_view key) {

@@ -116,6 +116,10 @@ struct LKParsedDocument {
 // caller replaces by the true one.
 LKParsedDocument parseDocument(std::string_view text);
 
+// The same, with nothing for a file without a valid block: for readers of many files, of which any
+// number may be plain Markdown.
+std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text);
+
 // The whole file. The body stands in it as given; `lk-hash` is computed from it here, whatever
 // `contentHash` says.
 std::string serialize(const LKFileFrontMatter& frontMatter, std::string_view body);
@@ -127,6 +131,9 @@ std::optional<UUID> readIdentity(std::string_view fileStart);
 
 // A copy whose title is the display name of the file.
 LKFileFrontMatter refreshingTitle(LKFileFrontMatter frontMatter, const std::filesystem::path& url);
+
+// The state of the note: "archived", or else its property "status".
+std::optional<std::string> blockStatus(const LKFileFrontMatter& frontMatter);
 
 // False for a key that would not come back as a property of that name: empty or only blanks, with
 // a colon, protected, or beginning with "lk-". `serialize` leaves such a property out, so whoever

@@ -13,11 +13,21 @@ bool isFenceLine(std::string_view fromLineStart) {
   return first != std::string_view::npos && fromLineStart.substr(first).starts_with("```");
 }
 
+// Most texts have no such line, and are passed through at the speed of a search.
+bool hasLineBeginningWith(std::string_view text, char first) {
+  for (size_t start = 0; start < text.size(); ++start) {
+    if (text[start] == first) return true;
+    start = text.find('\n', start);
+    if (start == std::string_view::npos) return false;
+  }
+  return false;
+}
+
 // Puts `count` bytes of `to` for each leading run of `from` outside fences, `count` being what
 // `counted` makes of the run's length.
 template <typename Counted>
 std::string withIndentation(std::string_view text, char from, char to, Counted counted) {
-  if (text.find(from) == std::string_view::npos) return std::string(text);
+  if (!hasLineBeginningWith(text, from)) return std::string(text);
   std::string result;
   result.reserve(text.size());
   bool isInFence = false;

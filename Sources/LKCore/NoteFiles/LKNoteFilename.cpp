@@ -45,8 +45,11 @@ std::string_view withoutLeadingStops(std::string_view trimmed) {
 }  // namespace
 
 std::string displayName(const std::filesystem::path& url) {
-  std::string name = url.stem().string();
-  return isUUIDBasename(name) ? std::string(kUntitled) : name;
+  return displayNameOfBasename(url.stem().string());
+}
+
+std::string displayNameOfBasename(std::string_view basename) {
+  return std::string(isUUIDBasename(basename) ? kUntitled : basename);
 }
 
 bool isUntitledFilename(const std::filesystem::path& url) {

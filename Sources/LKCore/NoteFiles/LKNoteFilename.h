@@ -28,6 +28,9 @@ inline constexpr size_t displayNameByteLimit = 200;
 // The title that a file's name carries; "Untitled" for a UUID.
 std::string displayName(const std::filesystem::path& url);
 
+// The same for a file's name without its extension.
+std::string displayNameOfBasename(std::string_view basename);
+
 // True when the file's name carries no title: a UUID, "untitled" or "untitled N" in any case.
 bool isUntitledFilename(const std::filesystem::path& url);
 

@@ -11,6 +11,7 @@
 #include "LKCore/NoteFiles/LKSyncError.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
 #include "LKCore/NoteRepository/LKNoteFileError.h"
+#include "LKCore/NoteRepository/OpenCache.h"
 #include "LKCore/Platform/Files.h"
 
 namespace lk::LKNoteFileService {
@@ -63,6 +64,25 @@ LKFileFrontMatter frontMatterFor(const NewNote& note, const std::string& baseNam
   return frontMatter;
 }
 
+// Under the file's lock. Gives what was written.
+LKParsedDocument applyChange(const fs::path& url, const NoteChange& change) {
+  const FileLock lock = FileLock::forUpdate(url);
+  LKParsedDocument document = readDocument(lock.path(), url);
+  LKFileFrontMatter& frontMatter = document.frontMatter;
+  std::string body = normaliseIndentation(document.body);
+  if (change.bodyTransform) body = change.bodyTransform(std::move(body));
+  applyProperties(frontMatter.userProperties, change.propertyUpdates);
+  if (change.isFavourite) frontMatter.isFavourite = *change.isFavourite;
+  if (change.blockTransform) change.blockTransform(frontMatter);
+  frontMatter.taskEntries = deriveTaskEntries(body, frontMatter.taskEntries);
+  frontMatter.title = LKNoteFilename::displayName(url);
+  const std::string file = serialize(frontMatter, body);
+  assertEncodable(file);
+  LKFileWrite::atomically(file, lock.path());
+  document.body = std::move(body);
+  return document;
+}
+
 }  // namespace
 
 void bringBack(LKFileFrontMatter& frontMatter) {
@@ -87,10 +107,14 @@ fs::path createNote(const NewNote& note, const fs::path& collectionRoot) {
   while (true) {
     const std::string name = hasFixedName ? title + ".md" : uniqueFilename(title, folder);
     const std::string baseName = name.substr(0, name.size() - 3);
-    const std::string file = serialize(frontMatterFor(note, baseName, id, body), body);
+    const LKFileFrontMatter frontMatter = frontMatterFor(note, baseName, id, body);
+    const std::string file = serialize(frontMatter, body);
     assertEncodable(file);
     fs::path url = folder / name;
-    if (LKFileWrite::createAtomically(file, url)) return url;
+    if (LKFileWrite::createAtomically(file, url)) {
+      updateTasksInCache(url, id, body, frontMatter.taskEntries);
+      return url;
+    }
     // Somebody took the name in between: a numbered name can move on, a fixed one cannot.
     if (hasFixedName) throw FileError(url, EEXIST);
   }
@@ -98,34 +122,25 @@ fs::path createNote(const NewNote& note, const fs::path& collectionRoot) {
 
 void updateNote(const fs::path& url, const NoteChange& change) {
   assertWritable(url);
-  const FileLock lock = FileLock::forUpdate(url);
-  LKParsedDocument document = readDocument(lock.path(), url);
-  LKFileFrontMatter& frontMatter = document.frontMatter;
-  std::string body = normaliseIndentation(document.body);
-  if (change.bodyTransform) body = change.bodyTransform(std::move(body));
-  applyProperties(frontMatter.userProperties, change.propertyUpdates);
-  if (change.isFavourite) frontMatter.isFavourite = *change.isFavourite;
-  if (change.blockTransform) change.blockTransform(frontMatter);
-  frontMatter.taskEntries = deriveTaskEntries(body, frontMatter.taskEntries);
-  frontMatter.title = LKNoteFilename::displayName(url);
-  const std::string file = serialize(frontMatter, body);
-  assertEncodable(file);
-  LKFileWrite::atomically(file, lock.path());
+  const LKParsedDocument written = applyChange(url, change);
+  updateTasksInCache(url, written.frontMatter.id, written.body, written.frontMatter.taskEntries);
 }
 
 void setFrontMatter(const fs::path& url, ModificationTime time,
                     const std::function<void(LKFileFrontMatter&)>& transform) {
   assertWritable(url);
-  const FileLock lock = FileLock::forUpdate(url);
-  LKParsedDocument document = readDocument(lock.path(), url);
+  std::optional<FileLock> lock = FileLock::forUpdate(url);
+  LKParsedDocument document = readDocument(lock->path(), url);
   transform(document.frontMatter);
   const std::string file = serialize(document.frontMatter, document.body);
   assertEncodable(file);
-  const auto modified = lkContentModificationDate(lock.path());
-  LKFileWrite::atomically(file, lock.path());
+  const auto modified = lkContentModificationDate(lock->path());
+  LKFileWrite::atomically(file, lock->path());
   if (time == ModificationTime::preserved && modified) {
-    lkSetContentModificationDate(lock.path(), *modified);
+    lkSetContentModificationDate(lock->path(), *modified);
   }
+  lock.reset();
+  updateFlagsInCache(url, document.frontMatter, file);
 }
 
 void setTagRank(const fs::path& url, const std::string& tagPath,

@@ -11,7 +11,8 @@
 // Every operation throws and then has changed nothing: LKNoteFileError when the collection is
 // read-only or the text is not UTF-8, LKSyncError when a file's block cannot be read, FileError
 // when the system refuses. Every change of a file that is there happens under its lock, so that
-// two processes never lose each other's change. Calls block and may come from any thread.
+// two processes never lose each other's change. Calls block and may come from any thread. Where an
+// index of the collection is open (OpenCache.h), it is told afterwards what was written.
 
 #include <filesystem>
 #include <functional>

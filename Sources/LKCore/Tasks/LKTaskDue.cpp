@@ -70,7 +70,9 @@ Instant cutoff(Day due) {
 }
 
 bool isOverdue(Day due, Instant now) {
-  return now >= cutoff(due);
+  // Asking the time zone is dear, and only on the day itself does the hour matter.
+  const Day today = Day::local(now);
+  return due == today ? now >= cutoff(due) : due < today;
 }
 
 }  // namespace lk::LKTaskDue

@@ -16,6 +16,7 @@
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/Tags/LKTagExtractor.h"
 #include "LKCore/Tags/LKTagRewriter.h"
+#include "Support/SlowReading.h"
 #include "Support/TempFolder.h"
 
 namespace lk {
@@ -39,51 +40,12 @@ size_t forEachCorpusNote(const Visit& visit) {
   return notes;
 }
 
-// Lines by their numbers; those of closed fences are empty.
-std::vector<std::string> unfencedLines(const std::string& text) {
-  // Behind blanks, but for a tab.
-  static const Pattern fence(R"(^(?:\h*[^\S\t])?```)");
-  std::vector<std::string> lines;
-  std::vector<size_t> fences;
-  for (const std::string_view line : text::splitLines(text)) {
-    if (fence.matches(line)) fences.push_back(lines.size());
-    lines.emplace_back(line);
-  }
-  for (size_t i = 0; i + 1 < fences.size(); i += 2) {
-    for (size_t line = fences[i]; line <= fences[i + 1]; ++line) lines[line].clear();
-  }
-  return lines;
-}
-
-struct SlowReading {
-  std::set<std::string> backlinks;
-  std::vector<std::pair<int, char>> tasks;  // line and mark
-};
-
-SlowReading slowReading(const std::string& text) {
-  // What hides a link, then the link: the leftmost wins, as when one reads.
-  static const Pattern marks(
-      R"(``|`[^`]*`|<!--.*?-->|!\[[^\]]*\](?=\()|\[\^[^\[\]]+\]|\[\[((?:(?!\]\])[^\[])+)\]\]|(?<!\[)\[[^\]]+\](?=\()|(?<=\])\([^)]+\))");
-  static const Pattern task(R"(^\h*- \[([ xX/-])\](?: |$))");
-  SlowReading reading;
-  int number = 0;
-  for (const std::string& line : unfencedLines(text)) {
-    for (const auto& match : marks.findAll(line)) {
-      if (match[1]) reading.backlinks.emplace(match[1]->of(line));
-    }
-    if (const auto match = task.find(line))
-      reading.tasks.emplace_back(number, line[match->at(1)->start]);
-    ++number;
-  }
-  return reading;
-}
-
 TEST(Corpus, IsExtractedAsASlowReadingFinds) {
   size_t links = 0;
   size_t tasks = 0;
   const size_t notes = forEachCorpusNote([&](const fs::path& path, const std::string& text) {
     const ExtractionResult found = LKTagExtractor::extract(text);
-    const SlowReading slow = slowReading(text);
+    const test::SlowReading slow = test::slowReading(text);
     EXPECT_EQ(std::set<std::string>(found.backlinks.begin(), found.backlinks.end()), slow.backlinks)
         << path;
     std::vector<std::pair<int, char>> lines;
