@@ -2,23 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "LKCore/Base/Text.h"
+#include "LarkspireCLI/Support/CalendarNames.h"
 
 namespace lk::DateParser {
 
 namespace {
 
 using Words = std::vector<std::string_view>;
-
-constexpr std::array<std::string_view, 7> kWeekdays = {"sunday",   "monday", "tuesday", "wednesday",
-                                                       "thursday", "friday", "saturday"};
-constexpr std::array<std::string_view, 12> kMonths = {
-    "january", "february", "march",     "april",   "may",      "june",
-    "july",    "august",   "september", "october", "november", "december"};
 
 // More than the calendar has, so that nothing below can overflow.
 constexpr int kLargestCount = 4'000'000;
@@ -48,13 +42,6 @@ int lengthOfMonth(int year, int month) {
   int days = 28;
   while (Day::make(year, month, days + 1)) ++days;
   return days;
-}
-
-// Sunday is 0.
-int weekdayOf(Day day) {
-  constexpr int64_t kSecondsPerDay = 86'400;
-  const int64_t days = day.utcMidnight().seconds / kSecondsPerDay;  // no remainder
-  return static_cast<int>(((days + 4) % 7 + 7) % 7);  // 1970-01-01 was a Thursday
 }
 
 std::optional<Day> addingMonths(Day day, int months) {
@@ -88,7 +75,7 @@ std::optional<Day> namedDay(std::string_view text, Day today) {
 
 // 1 to 7 days from today, into the future or the past.
 std::optional<Day> parseRelativeWeekday(int weekday, bool isNext, Day today) {
-  const int ahead = (weekday - weekdayOf(today) + 7) % 7;
+  const int ahead = (weekday - static_cast<int>(weekdayOf(today)) + 7) % 7;
   return checked(today.adding(isNext ? (ahead == 0 ? 7 : ahead) : ahead - 7));
 }
 
@@ -96,7 +83,7 @@ std::optional<Day> parseRelativeWeekday(int weekday, bool isNext, Day today) {
 std::optional<Day> nextOrLast(const Words& words, Day today) {
   const bool isNext = words[0] == "next";
   if (words.size() != 2 || (!isNext && words[0] != "last")) return std::nullopt;
-  if (const auto weekday = indexOf(kWeekdays, words[1])) {
+  if (const auto weekday = indexOf(kWeekdayNames, words[1])) {
     return parseRelativeWeekday(*weekday, isNext, today);
   }
   if (words[1] != "week" && words[1] != "month" && words[1] != "year") return std::nullopt;
@@ -127,8 +114,8 @@ std::optional<int> dayOfMonth(std::string_view word) {
 // "14 march", "mar 14 2026"; the comma is gone already.
 std::optional<Day> dayAndMonth(const Words& words, Day today) {
   if (words.size() < 2 || words.size() > 3) return std::nullopt;
-  const bool monthFirst = indexOf(kMonths, words[0]).has_value();
-  const auto month = indexOf(kMonths, words[monthFirst ? 0 : 1]);
+  const bool monthFirst = indexOf(kMonthNames, words[0]).has_value();
+  const auto month = indexOf(kMonthNames, words[monthFirst ? 0 : 1]);
   const auto day = dayOfMonth(words[monthFirst ? 1 : 0]);
   const auto year = words.size() == 2      ? std::optional(today.year)
                     : words[2].size() == 4 ? number(words[2])
@@ -162,7 +149,7 @@ std::optional<Day> parse(std::string_view text, Day today) {
   for (size_t i = 1; i < words.size(); ++i) single.append(" ").append(words[i]);
   if (const auto day = namedDay(single, today)) return day;
   if (words.size() == 1) {
-    const auto weekday = indexOf(kWeekdays, words[0]);
+    const auto weekday = indexOf(kWeekdayNames, words[0]);
     return weekday ? parseRelativeWeekday(*weekday, true, today) : std::nullopt;
   }
   for (const auto& reader : {nextOrLast, distance, dayAndMonth}) {
