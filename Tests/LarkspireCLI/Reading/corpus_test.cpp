@@ -1,0 +1,119 @@
+// Real Markdown: what the commands say of every note of LARKSPIRE_CORPUS, against a slow count.
+// Passes at once when the variable is not set.
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "LKCore/NoteFiles/LKIndentation.h"
+#include "LKCore/Tags/LKTagExtractor.h"
+#include "ReadingFixture.h"
+
+namespace lk {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Corpus : public test::Reading {
+ protected:
+  Corpus() {
+    const char* folder = std::getenv("LARKSPIRE_CORPUS");
+    if (folder == nullptr) return;
+    fs::copy(folder, notes(), fs::copy_options::recursive);
+    for (const auto& entry : fs::recursive_directory_iterator(notes())) {
+      if (!entry.is_regular_file() || entry.path().extension() != ".md") continue;
+      const std::string inside = entry.path().lexically_relative(notes()).string();
+      if (inside.front() == '.' || inside.find("/.") != std::string::npos) continue;
+      files.push_back(entry.path());
+    }
+    std::ranges::sort(files);
+    EXPECT_FALSE(files.empty());
+  }
+
+  static std::string lower(std::string text) {
+    for (char& c : text) {
+      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return text;
+  }
+
+  // The numbers of the lines that hold the word, in a file that has no block of ours.
+  static std::vector<int> linesWith(const std::string& word, const std::string& text) {
+    std::vector<int> numbers;
+    std::string line;
+    int number = 1;
+    for (const char c : text + "\n") {
+      if (c != '\n') {
+        line += c;
+        continue;
+      }
+      if (lower(line).find(word) != std::string::npos) numbers.push_back(number);
+      line.clear();
+      ++number;
+    }
+    return numbers;
+  }
+
+  std::vector<fs::path> files;
+};
+
+TEST_F(Corpus, IsListedWhole) {
+  if (files.empty()) GTEST_SKIP() << "LARKSPIRE_CORPUS is not set";
+  std::vector<std::string> expected;
+  for (const fs::path& each : files) expected.push_back(each.stem());
+  std::vector<std::string> listed = titles({"list"});
+  std::ranges::sort(expected);
+  std::ranges::sort(listed);
+  EXPECT_EQ(listed, expected);
+}
+
+TEST_F(Corpus, IsSearchedLineByLine) {
+  if (files.empty()) GTEST_SKIP() << "LARKSPIRE_CORPUS is not set";
+  for (const std::string word : {"note", "plugin", "e", "zzzz"}) {
+    std::map<std::string, std::vector<int>> expected;
+    for (const fs::path& each : files) {
+      auto lines = linesWith(word, test::readWhole(each));
+      if (!lines.empty()) expected[each] = std::move(lines);
+    }
+    std::map<std::string, std::vector<int>> found;
+    const std::string out = lk({"search", word, "--json"}).out;
+    for (const Json& row : parseJson(out)) {
+      for (const Json& match : row.at("matches")) {
+        found[row.at("filePath")].push_back(match.at("lineNumber"));
+      }
+    }
+    EXPECT_EQ(found, expected) << word;
+    if (word == "note") EXPECT_FALSE(found.empty());
+  }
+}
+
+TEST_F(Corpus, HasTheTagsOfItsFiles) {
+  if (files.empty()) GTEST_SKIP() << "LARKSPIRE_CORPUS is not set";
+  std::map<std::string, int> expected;
+  for (const fs::path& each : files) {
+    for (const std::string& tag :
+         LKTagExtractor::extractTags(spacesToTabs(test::readWhole(each)))) {
+      ++expected[tag];
+    }
+  }
+  std::map<std::string, int> listed;
+  for (const Json& row : parseJson(lk({"tags", "--json", "--quiet"}).out)) {
+    listed[row.at("tag")] = row.at("noteCount");
+  }
+  EXPECT_EQ(listed, expected);
+}
+
+TEST_F(Corpus, FailsNoCommand) {
+  if (files.empty()) GTEST_SKIP() << "LARKSPIRE_CORPUS is not set";
+  for (size_t i = 0; i < files.size(); i += files.size() / 20 + 1) {
+    const std::string title = files[i].stem();
+    const auto links = sandbox.lk(
+        {"backlinks", "--json", "--quiet", "--collection", notes().string(), "--", title});
+    EXPECT_EQ(links.status, 0) << title << links.err;
+    EXPECT_TRUE(parseJson(links.out).is_array()) << title;
+  }
+  EXPECT_EQ(parseJson(lk({"collection", "info", "--json", "--quiet"}).out).at("notes"),
+            files.size());
+}
+
+}  // namespace
+}  // namespace lk
