@@ -99,25 +99,6 @@ TEST(JsonWriting, IsTheOneFormOfEveryTree) {
   }
 }
 
-TEST(JsonWriting, CanBeTakenPieceByPiece) {
-  std::string out;
-  std::string whole;
-  JsonWriter json(out);
-  json.beginArray();
-  for (int i = 0; i < 3; ++i) {
-    json.beginObject();
-    json.key("n").integer(i);
-    json.key("of").beginArray();
-    json.endArray();
-    json.endObject();
-    whole += out;
-    out.clear();
-  }
-  json.endArray();
-  EXPECT_EQ(whole + out,
-            printJson(parseJson(R"([{"n":0,"of":[]},{"n":1,"of":[]},{"n":2,"of":[]}])")));
-}
-
 TEST(PatternSearch, FindsWhatThePatternFindsAndEndsAHostileOne) {
   const Pattern pattern("b+", Pattern::Case::insensitive);
   PatternSearcher searcher(pattern);

@@ -117,73 +117,29 @@ TEST_F(Formatter, WritesTasksAsRowsAndLines) {
             "{\n  \"message\" : \"Done.\"\n}");
 }
 
-TEST_F(Formatter, CountsTheNotesOfATagThatAreInUse) {
-  LKTag& two = tag("two");
-  LKTag& also = tag("Also");
-  LKTag& gone = tag("gone");
-  LKNote& live = note("live");
-  LKNote& archived = note("archived");
-  archived.status = "archived";
-  LKNote& trashed = note("trashed");
-  trashed.isTrashed = true;
-  for (LKNote* each : {&live, &archived, &trashed}) {
-    addTag(*each, two);
-    addTag(*each, also);
-  }
-  addTag(trashed, gone);
-  LKNote& other = note("other");
-  addTag(other, two);
-  const auto rows = OutputFormatter::tagRows({&also, &two, &gone});
-  EXPECT_EQ(rows, (std::vector<TagRow>{{"Also", 1}, {"two", 2}}));
-  EXPECT_EQ(OutputFormatter::formatTagList(rows, false), "#Also (1 notes)\n#two (2 notes)");
-  const Json json = parseJson(OutputFormatter::formatTagList(rows, true));
-  EXPECT_EQ(json[0], parseJson(R"({"noteCount":2,"tag":"two"})"));
-  EXPECT_EQ(OutputFormatter::formatTagList({}, false), "No tags found.");
+TEST_F(Formatter, PutsTheTagWithMostNotesFirstForScripts) {
+  const std::vector<TagRow> rows = {{"b", 1}, {"A", 1}, {"two", 2}};
+  EXPECT_EQ(OutputFormatter::formatTagList(rows, false),
+            "#A (1 notes)\n#b (1 notes)\n#two (2 notes)");
+  EXPECT_EQ(parseJson(OutputFormatter::formatTagList(rows, true)),
+            parseJson(R"([{"noteCount":2,"tag":"two"},{"noteCount":1,"tag":"A"},
+                          {"noteCount":1,"tag":"b"}])"));
 }
 
-TEST_F(Formatter, CountsTheNotesThatLinkAndShowsWhere) {
-  LKBackLink first;
-  first.sourceParagraph = "See [[Plan]].";
-  first.sourceParagraphIndex = 4;
-  LKBackLink second;
-  second.sourceParagraph = "[[plan]] again";
-  second.sourceParagraphIndex = 9;
-  LKNote& source = note("Source");
-  setNote(first, &source);
-  setNote(second, &source);
-  LKBackLink lost;
-  lost.sourceParagraph = "x";
-  EXPECT_EQ(OutputFormatter::formatBacklinks({&lost, &second, &first}, "Plan", false),
-            "2 notes reference \"Plan\":\nSource (line 5): See [[Plan]].\n"
-            "Source (line 10): [[plan]] again\nUnknown (line 1): x");
-  EXPECT_EQ(OutputFormatter::formatBacklinks({&first}, "Plan", false, false),
-            "1 notes reference \"Plan\":\nSource (line 5)");
-  EXPECT_EQ(OutputFormatter::formatBacklinks({}, "Plan", false), "No notes reference \"Plan\".");
-  EXPECT_EQ(parseJson(OutputFormatter::formatBacklinks({&first}, "Plan", true, false)),
-            parseJson(R"([{"sourceNoteTitle":"Source","sourceParagraph":"See [[Plan]].",
-                           "sourceParagraphIndex":4}])"));
-}
-
-TEST_F(Formatter, WritesPropertiesAndOrphans) {
+TEST_F(Formatter, WritesWhatIsSetOfAProperty) {
   PropertyDetailRow rating;
   rating.name = "rating";
   rating.type = "number";
   rating.isRequired = true;
   rating.createdDate = kMoment;
-  rating.noteCount = 2;
   rating.minValue = 1;
   rating.maxValue = 4.5;
-  rating.notes = {"A", "B"};
+  rating.notes = {"A"};
   EXPECT_EQ(OutputFormatter::formatPropertyDetail(rating, false),
-            "Name: rating\nType: number\nCreated: 2026-03-14T09:26:53Z\nUsed by: 2 notes\n"
-            "Required: yes\nMin: 1\nMax: 4.5\nNotes:\n  A\n  B");
-  EXPECT_EQ(parseJson(OutputFormatter::formatPropertyDetail(rating, true)).at("minValue"), 1);
-  EXPECT_EQ(OutputFormatter::formatPropertyList({rating}, false),
-            "rating  number  required  (2 notes)");
+            "Name: rating\nType: number\nCreated: 2026-03-14T09:26:53Z\nUsed by: 0 notes\n"
+            "Required: yes\nMin: 1\nMax: 4.5\nNotes:\n  A");
   EXPECT_EQ(OutputFormatter::formatOrphanList({{"mood", 1, {"A"}}}, false),
             "1 orphaned property keys (no schema definition):\nmood (1 notes)");
-  EXPECT_EQ(OutputFormatter::formatOrphanList({}, false), "No orphaned properties found.");
-  EXPECT_EQ(OutputFormatter::formatPropertyList({}, true), "[]");
 }
 
 TEST(DatesOfRows, AreTheCalendarsInAnyZoneAndOrder) {
@@ -244,13 +200,6 @@ INSTANTIATE_TEST_SUITE_P(
                    "e\u0301e\u0301e\u0301e\u0301e\u0301e\u0301  date"},
         ColumnCase{"controls_never_reach_the_terminal", 40, {{{"a\x1b[2Jb\nc\u009B"}}}, "a[2Jbc"}),
     [](const auto& row) { return row.param.name; });
-
-TEST(PlainColumns, AreTheCellsAsTheyAre) {
-  TextColumns list;
-  list.add({{"日本", TextStyle::bold}, {""}, {"x", TextStyle::alert}});
-  list.add({{"long title\x1b"}, {"y"}});
-  EXPECT_EQ(list.text(Terminal{.columns = 5}), "日本  x\nlong title\x1b  y");
-}
 
 TEST(Bytes, ReadAsPeopleSayThem) {
   for (const auto& [count, text] :

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "LKCore/Base/Json.h"
+#include "LKCore/Base/Text.h"
 #include "LKCore/Collections/LKCollectionPath.h"
 #include "LKCore/DataModel/SQLiteStore.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
@@ -80,16 +81,17 @@ class Reading : public testing::Test {
     return block.id;
   }
 
-  ProcessResult lk(std::vector<std::string> arguments,
+  // Runs the words of the line, which are separated by "|", over the collection.
+  ProcessResult lk(const std::string& line,
                    const std::map<std::string, std::string>& environment = {}) const {
-    arguments.insert(arguments.end(), {"--collection", notes().string()});
-    return sandbox.lk(arguments, {.environment = environment});
+    std::vector<std::string> words = {"--collection", notes().string()};
+    for (const std::string_view word : text::split(line, '|')) words.emplace_back(word);
+    return sandbox.lk(words, {.environment = environment});
   }
 
   // The titles of the notes that the command lists, in their order.
-  std::vector<std::string> titles(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.end(), {"--json", "--quiet"});
-    const ProcessResult result = lk(arguments);
+  std::vector<std::string> titles(const std::string& line) const {
+    const ProcessResult result = lk(line + "|--json|--quiet");
     EXPECT_EQ(result.status, 0) << result.err;
     std::vector<std::string> found;
     if (result.status != 0) return found;

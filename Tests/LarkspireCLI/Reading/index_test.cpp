@@ -37,58 +37,52 @@ class Index : public test::Reading {
 
 TEST_F(Index, AnswersAsTheFilesDo) {
   plantStore();
-  ASSERT_EQ(parseJson(lk({"collection", "info", "--json"}).out).at("indexSource"), "app");
-  ASSERT_EQ(parseJson(lk({"collection", "info", "--json", "--quiet"}, {{"LK_FILE_INDEX", "1"}}).out)
+  ASSERT_EQ(parseJson(lk("collection|info|--json").out).at("indexSource"), "app");
+  ASSERT_EQ(parseJson(lk("collection|info|--json|--quiet", {{"LK_FILE_INDEX", "1"}}).out)
                 .at("indexSource"),
             "files");
-  const std::vector<std::vector<std::string>> commands = {
-      {"list"},
-      {"list", "--include-daily", "--include-trashed", "--include-archived"},
-      {"list", "--tag", "work", "--include-subtags", "--include-archived"},
-      {"list", "--has-overdue"},
-      {"list", "--has-tasks", "--sort", "title"},
-      {"list", "--sort", "size", "--reverse"},
-      {"list", "--property", "status=Draft"},
-      {"list", "--archived"},
-      {"search", "plan", "--titles-only"},
-      {"search", "plan", "--tag", "work"},
-      {"search", "plan"},
-      {"backlinks", "Plan"},
-      {"backlinks", "plan", "--context"},
-      {"backlinks", "shed"},
-      {"backlinks", "Gone"},
-      {"tags"},
-      {"tags", "list", "WORK"},
-      {"tags", "list", "\uD55C\uAE00"},
-      {"tags", "list", "gone"},
-      {"tags", "list", "--prefix", "wo"},
-      {"show", "Plan", "--tasks"},
-      {"show", "shed", "--tasks"},
-      {"show", "Plan", "--backlinks"},
-      {"show", "old"},
-      {"show", projectsID.text()},
-      {"show", "--id", UUID().text()},
-      {"show", "20260310", "--body"},
-  };
-  for (std::vector<std::string> command : commands) {
-    for (const bool json : {false, true}) {
-      if (json) command.emplace_back("--json");
-      std::string words;
-      for (const std::string& word : command) words += word + " ";
-      const ProcessResult store = lk(command);
-      command.emplace_back("--quiet");
-      const ProcessResult files = lk(command, {{"LK_FILE_INDEX", "1"}});
-      EXPECT_EQ(store.out, files.out) << words;
-      EXPECT_EQ(store.err, files.err) << words;
-      EXPECT_EQ(store.status, files.status) << words;
+  for (const std::string& line :
+       std::vector<std::string>{"list",
+                                "list|--include-daily|--include-trashed|--include-archived",
+                                "list|--tag|work|--include-subtags|--include-archived",
+                                "list|--has-overdue",
+                                "list|--has-tasks|--sort|title",
+                                "list|--sort|size|--reverse",
+                                "list|--property|status=Draft",
+                                "list|--archived",
+                                "search|plan|--titles-only",
+                                "search|plan|--tag|work",
+                                "search|plan",
+                                "backlinks|Plan",
+                                "backlinks|plan|--context",
+                                "backlinks|shed",
+                                "backlinks|Gone",
+                                "tags",
+                                "tags|list|WORK",
+                                "tags|list|\uD55C\uAE00",
+                                "tags|list|gone",
+                                "tags|list|--prefix|wo",
+                                "show|Plan|--tasks",
+                                "show|shed|--tasks",
+                                "show|Plan|--backlinks",
+                                "show|old",
+                                "show|" + projectsID.text(),
+                                "show|--id|" + UUID().text(),
+                                "show|20260310|--body"}) {
+    for (const std::string form : {"", "|--json"}) {
+      const ProcessResult store = lk(line + form);
+      const ProcessResult files = lk(line + form + "|--quiet", {{"LK_FILE_INDEX", "1"}});
+      EXPECT_EQ(store.out, files.out) << line << form;
+      EXPECT_EQ(store.err, files.err) << line << form;
+      EXPECT_EQ(store.status, files.status) << line << form;
     }
   }
 }
 
 TEST_F(Index, IsLeftForTheFilesByExactlyOne) {
   plantStore();
-  EXPECT_EQ(lk({"list"}, {{"LK_FILE_INDEX", "true"}}).err, "");
-  EXPECT_EQ(lk({"list"}, {{"LK_FILE_INDEX", "1"}}).err, kHint);
+  EXPECT_EQ(lk("list", {{"LK_FILE_INDEX", "true"}}).err, "");
+  EXPECT_EQ(lk("list", {{"LK_FILE_INDEX", "1"}}).err, kHint);
 }
 
 TEST_F(Index, IsTheNewestOneWhereNoCollectionWasNamed) {
@@ -96,7 +90,7 @@ TEST_F(Index, IsTheNewestOneWhereNoCollectionWasNamed) {
   fs::create_directory(sandbox.home() / "Other");
   ASSERT_EQ(sandbox.lk({"collection", "add", "Other", "--activate"}).status, 0);
   const ProcessResult listed = sandbox.lk({"list", "--json"});
-  EXPECT_EQ(listed.out, lk({"list", "--json"}).out);
+  EXPECT_EQ(listed.out, lk("list|--json").out);
   // But no note of another folder is found, let alone changed.
   EXPECT_EQ(sandbox.lk({"edit", "Plan", "--append", "x"}).status, 2);
   EXPECT_EQ(sandbox.lk({"edit", projectsID.text(), "--append", "x"}).status, 2);
@@ -106,11 +100,11 @@ TEST_F(Index, ThatIsOlderThanTheFilesMisleadsNobody) {
   plantStore();
   note("New/Shed", "newer, and first by its path", 0);
   fs::rename(file("Plan"), file("Scheme"));
-  EXPECT_EQ(lk({"show", "scheme", "--body"}).status, 0);
-  EXPECT_EQ(lk({"show", "Plan", "--body"}).out, lk({"show", "Old plan", "--body"}).out);
+  EXPECT_EQ(lk("show|scheme|--body").status, 0);
+  EXPECT_EQ(lk("show|Plan|--body").out, lk("show|Old plan|--body").out);
   fs::remove(file("Projects/Shed"));
-  EXPECT_EQ(lk({"show", "Shed", "--body"}).out, "newer, and first by its path\n");
-  EXPECT_EQ(lk({"show", projectsID.text()}).status, 2);
+  EXPECT_EQ(lk("show|Shed|--body").out, "newer, and first by its path\n");
+  EXPECT_EQ(lk("show|" + projectsID.text()).status, 2);
 }
 
 struct DamagedStore {
@@ -120,7 +114,7 @@ struct DamagedStore {
 
 TEST_F(Index, ThatCannotBeUsedIsSaidOnceAndLeftAsItIs) {
   plantStore();
-  const std::string expected = lk({"list", "--json"}, {{"LK_FILE_INDEX", "1"}}).out;
+  const std::string expected = lk("list|--json", {{"LK_FILE_INDEX", "1"}}).out;
   const std::vector<DamagedStore> cases = {
       {"truncated", [](const fs::path& store) { fs::resize_file(store, 1000); }},
       {"empty", [](const fs::path& store) { fs::resize_file(store, 0); }},
@@ -139,7 +133,7 @@ TEST_F(Index, ThatCannotBeUsedIsSaidOnceAndLeftAsItIs) {
     for (const char* companion : {"-wal", "-shm"}) fs::remove(storePath().string() + companion);
     each.damage(storePath());
     const std::string before = fs::is_directory(storePath()) ? "" : readWhole(storePath());
-    const ProcessResult loud = lk({"list", "--json"});
+    const ProcessResult loud = lk("list|--json");
     EXPECT_EQ(loud.out, expected) << each.name;
     EXPECT_EQ(loud.status, 0) << each.name;
     const std::string opening =
@@ -147,7 +141,7 @@ TEST_F(Index, ThatCannotBeUsedIsSaidOnceAndLeftAsItIs) {
     EXPECT_TRUE(loud.err.starts_with(opening)) << each.name << ": " << loud.err;
     EXPECT_NE(loud.err.find(storePath().string()), std::string::npos) << each.name << loud.err;
     EXPECT_EQ(std::ranges::count(loud.err, '\n'), 1) << each.name << loud.err;
-    EXPECT_EQ(lk({"list", "--json", "--quiet"}).err, "") << each.name;
+    EXPECT_EQ(lk("list|--json|--quiet").err, "") << each.name;
     EXPECT_EQ(fs::is_directory(storePath()) ? "" : readWhole(storePath()), before) << each.name;
   }
 }

@@ -35,7 +35,7 @@ class TagRenaming : public test::Reading {
 
 TEST_F(TagRenaming, ChangesTheTagAndThoseBelowAndNothingElse) {
   const auto before = contents();
-  const ProcessResult result = lk({"tags", "rename", "#work", " office/all "});
+  const ProcessResult result = lk("tags|rename|#work| office/all ");
   EXPECT_EQ(result.out, "Renamed #work → #office/all in 3 notes.\n");
   EXPECT_EQ(result.status, 0) << result.err;
   const auto after = contents();
@@ -52,7 +52,7 @@ TEST_F(TagRenaming, ChangesTheTagAndThoseBelowAndNothingElse) {
   EXPECT_EQ(block.taskEntries.at(0).id,
             parseDocument(before.at("A.md")).frontMatter.taskEntries.at(0).id);
   EXPECT_EQ(
-      lk({"tags", "list", "--quiet"}).out,
+      lk("tags|list|--quiet").out,
       "#home (1 notes)\n#office/all (2 notes)\n#office/all/site (2 notes)\n#workshop (1 notes)\n");
 }
 
@@ -60,34 +60,31 @@ TEST_F(TagRenaming, RefusesInTheseWordsAndChangesNothing) {
   const auto before = contents();
   const struct {
     const char* name;
-    std::vector<std::string> arguments;
+    std::string line;  // words separated by "|"
     const char* words;
   } cases[] = {
-      {"a bad name", {"work", "two words"}, "Error: New tag name: "},
-      {"the same name", {"#work", "work"}, "Error: The new name is the same as the old one.\n"},
-      {"an unused tag", {"nothing", "other"}, "Error: No note uses #nothing.\n"},
-      {"a tag of the trash's case", {"Work", "other"}, "Error: No note uses #Work.\n"},
-      {"a taken name",
-       {"work", "home"},
+      {"a bad name", "work|two words", "Error: New tag name: "},
+      {"the same name", "#work|work", "Error: The new name is the same as the old one.\n"},
+      {"an unused tag", "nothing|other", "Error: No note uses #nothing.\n"},
+      {"a tag of the trash's case", "Work|other", "Error: No note uses #Work.\n"},
+      {"a taken name", "work|home",
        "Error: #home already exists — renaming would merge #work into it. Re-run with --merge to "
        "do that.\n"},
   };
   for (const auto& each : cases) {
-    std::vector<std::string> arguments = {"tags", "rename"};
-    arguments.insert(arguments.end(), each.arguments.begin(), each.arguments.end());
-    const ProcessResult result = lk(arguments);
+    const ProcessResult result = lk("tags|rename|" + each.line);
     EXPECT_EQ(result.status, 1) << each.name;
     EXPECT_TRUE(result.err.starts_with(each.words)) << each.name << ": " << result.err;
     EXPECT_EQ(result.out, "") << each.name;
   }
   ASSERT_EQ(sandbox.lk({"collection", "add", "Notes", "--mode", "readOnly"}).status, 0);
-  const ProcessResult readOnly = lk({"tags", "rename", "work", "office"});
+  const ProcessResult readOnly = lk("tags|rename|work|office");
   EXPECT_EQ(readOnly.err, "Error: This collection is read-only. Notes cannot be modified.\n");
   EXPECT_EQ(contents(), before);
 }
 
 TEST_F(TagRenaming, MergesWhenAskedTo) {
-  const ProcessResult result = lk({"tags", "rename", "workshop", "home", "--merge", "--json"});
+  const ProcessResult result = lk("tags|rename|workshop|home|--merge|--json");
   EXPECT_EQ(result.out, "{\n  \"message\" : \"Merged #workshop → #home in 1 note.\"\n}\n");
   EXPECT_EQ(bodyOf(readWhole(file("Deep/B"))), "#home #home #work/site");
 }
@@ -103,16 +100,14 @@ TEST_F(TagRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
   for (const char* name : {"A", "Deep/B", ".daily/20260310"})
     fs::permissions(file(name), fs::perms{0666});
   fs::permissions(notes() / "Deep", fs::perms{0555});
-  const auto asNobody = [&](const std::vector<std::string>& words) {
-    std::vector<std::string> arguments = {"tags", "rename", "work", "office"};
-    arguments.insert(arguments.end(), words.begin(), words.end());
-    if (geteuid() != 0) return lk(arguments);
-    arguments.insert(arguments.end(), {"--collection", notes().string()});
-    arguments.insert(arguments.begin(),
-                     {"--reuid=65534", "--regid=65534", "--clear-groups", LK_TOOL_PATH});
-    return sandbox.run("setpriv", arguments);
+  const auto asNobody = [&](const std::string& more) {
+    const std::string line =
+        "tags rename work office --collection '" + notes().string() + "' " + more;
+    const std::string user =
+        geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    return sandbox.run("/bin/sh", {"-c", user + "'" + LK_TOOL_PATH + "' " + line});
   };
-  const ProcessResult first = asNobody({});
+  const ProcessResult first = asNobody("");
   EXPECT_EQ(first.status, 4);
   EXPECT_EQ(first.out, "Renamed #work → #office in 2 notes.\n");
   EXPECT_TRUE(first.err.starts_with("Error: File write failed — 1 note keeps #work:\n  " +
@@ -123,8 +118,8 @@ TEST_F(TagRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
       << first.err;
   EXPECT_EQ(bodyOf(readWhole(file("Deep/B"))), "#workshop #home #work/site");
   fs::permissions(notes() / "Deep", fs::perms{0777});
-  EXPECT_EQ(asNobody({}).status, 1);
-  EXPECT_EQ(asNobody({"--merge"}).out, "Merged #work → #office in 1 note.\n");
+  EXPECT_EQ(asNobody("").status, 1);
+  EXPECT_EQ(asNobody("--merge").out, "Merged #work → #office in 1 note.\n");
   EXPECT_EQ(bodyOf(readWhole(file("Deep/B"))), "#workshop #home #office/site");
 }
 
