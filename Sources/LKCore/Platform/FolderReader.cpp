@@ -4,40 +4,56 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <new>
+#include <stdexcept>
 
 #include "LKCore/Platform/Descriptor.h"
-#include "LKCore/Platform/Files.h"
 
 namespace lk {
 
-FolderReader::FolderReader(const std::filesystem::path& folder)
-    : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-  if (folder_ < 0) throw FileError(folder, errno);
+namespace {
+
+// A regular file needs one byte more than it holds: the read that finds its end.
+constexpr size_t kEndProbe = 1;
+
+// The number of bytes read; nothing when reading fails. `expected` saves the buffer from growing.
+std::optional<size_t> fill(std::string& buffer, const Descriptor& file, size_t expected) {
+  if (buffer.size() < expected) buffer.resize(expected);
+  for (size_t filled = 0;;) {
+    if (filled == buffer.size()) buffer.resize(buffer.size() * 2);
+    const ssize_t got = uninterrupted(
+        [&] { return ::read(file.get(), buffer.data() + filled, buffer.size() - filled); });
+    if (got < 0) return std::nullopt;
+    if (got == 0) return filled;
+    filled += static_cast<size_t>(got);
+  }
 }
+
+}  // namespace
+
+FolderReader::FolderReader(const std::filesystem::path& folder)
+    : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
 FolderReader::~FolderReader() {
-  ::close(folder_);
+  if (folder_ >= 0) ::close(folder_);
 }
 
-std::optional<std::string_view> FolderReader::read(const std::string& path) {
-  // O_NONBLOCK: opening a FIFO would wait for a writer.
-  const Descriptor file(uninterrupted([&] {
-    return ::openat(folder_, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-  }));
+std::optional<FolderReader::File> FolderReader::read(const std::string& relativePath) {
+  if (folder_ < 0) return std::nullopt;
+  constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const Descriptor file(
+      uninterrupted([&] { return ::openat(folder_, relativePath.c_str(), kFlags); }));
   struct stat info {};
-  if (!file || fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  // One byte more than the file had tells whether it has grown, without a further call.
-  const size_t expected = static_cast<size_t>(info.st_size) + 1;
-  if (buffer_.size() < expected) buffer_.resize(expected);
-  size_t size = 0;
-  while (true) {
-    const ssize_t count = uninterrupted(
-        [&] { return ::read(file.get(), buffer_.data() + size, buffer_.size() - size); });
-    if (count < 0) return std::nullopt;
-    size += static_cast<size_t>(count);
-    if (size < buffer_.size()) return std::string_view(buffer_).substr(0, size);
-    buffer_.resize(buffer_.size() * 2);
+  if (!file || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+  try {
+    const auto size = fill(buffer_, file, static_cast<size_t>(info.st_size) + kEndProbe);
+    if (!size) return std::nullopt;
+    return File{std::string_view(buffer_).substr(0, *size),
+                {info.st_mtim.tv_sec, static_cast<int32_t>(info.st_mtim.tv_nsec)}};
+  } catch (const std::bad_alloc&) {
+    return std::nullopt;
+  } catch (const std::length_error&) {
+    return std::nullopt;
   }
 }
 

@@ -7,7 +7,6 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/NoteRepository/LKNoteFilters.h"
-#include "LKCore/Platform/Files.h"
 #include "LKCore/Platform/FolderReader.h"
 #include "LKCore/Platform/FolderWalk.h"
 #include "LarkspireCLI/Support/CLIError.h"
@@ -174,9 +173,9 @@ size_t printResults(const fs::path& collection, std::vector<std::string> files,
   size_t count = 0;
   for (const std::string& file : files) {
     if ((most && count >= *most) || outputIsClosed()) break;
-    const auto bytes = reader.read(file);
-    if (!bytes) continue;
-    auto found = search.in(*bytes);
+    const auto read = reader.read(file);
+    if (!read) continue;
+    auto found = search.in(read->bytes);
     if (!found) continue;
     const fs::path path = collection / file;
     printer.print({LKNoteFilename::displayName(path), path.string(), *std::move(found)});
@@ -249,8 +248,6 @@ void SearchCommand::searchText(const fs::path& collection) const {
                                  most, *search, *printer));
   } catch (const PatternError& error) {
     throw CLIError::general("The search pattern takes too long: " + error.description());
-  } catch (const FileError& error) {
-    throw CLIError::general(error.description());
   }
 }
 

@@ -61,8 +61,8 @@ std::vector<AttachmentInfo> scan(const fs::path& collection) {
       collection,
       [&](const WalkEntry& entry) {
         if (mayBeFile(entry) && entry.name.ends_with(".md")) {
-          const auto text = reader.read(std::string(entry.relativePath));
-          if (text) countReferences(*text, attachments);
+          const auto file = reader.read(std::string(entry.relativePath));
+          if (file) countReferences(file->bytes, attachments);
         }
         return WalkStep::proceed;
       },
