@@ -11,6 +11,7 @@
 // cell leaves nothing.
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "LarkspireCLI/Support/Terminal.h"
