@@ -39,6 +39,12 @@ std::string_view pathExtension(std::string_view path) {
   return dot == std::string_view::npos || dot == 0 ? std::string_view{} : name.substr(dot + 1);
 }
 
+bool isTemporaryFile(std::string_view name) {
+  static constexpr std::array<std::string_view, 3> kPartial = {"crdownload", "part", "download"};
+  return name.starts_with("~$") || name.starts_with(".~lock.") || name.ends_with('~') ||
+         contains(kPartial, pathExtension(name));
+}
+
 bool isImage(std::string_view reference) {
   return contains(images, pathExtension(reference.substr(0, reference.find('#'))));
 }

@@ -26,6 +26,10 @@ bool contains(std::span<const std::string_view> types, std::string_view extensio
 // but at its start. Slashes at the end count for nothing: "a/b.png/" has "png".
 std::string_view pathExtension(std::string_view path);
 
+// True for the name of a file that another program keeps only while it works: "~$Plan.docx",
+// ".~lock.Plan.odt#", "Plan~", "Trip.mp4.part".
+bool isTemporaryFile(std::string_view name);
+
 // True when the reference, up to its first "#", has the extension of a picture.
 bool isImage(std::string_view reference);
 

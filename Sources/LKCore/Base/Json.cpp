@@ -1,10 +1,8 @@
 #include "LKCore/Base/Json.h"
 
-#include <array>
-#include <cstdio>
 #include <limits>
 
-#include "LKCore/Base/Text.h"
+#include "LKCore/Base/JsonWriter.h"
 
 namespace lk {
 
@@ -12,105 +10,23 @@ namespace {
 
 constexpr int kMaximumDepth = 200;
 
-void printString(std::string& out, const std::string& value) {
-  out.push_back('"');
-  for (size_t i = 0; i < value.size();) {
-    const text::Decoded d = text::decode(value, i);
-    i += d.length;
-    switch (d.scalar) {
-      case '"':
-        out += "\\\"";
-        break;
-      case '\\':
-        out += "\\\\";
-        break;
-      case '/':
-        out += "\\/";
-        break;
-      case '\b':
-        out += "\\b";
-        break;
-      case '\f':
-        out += "\\f";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\r':
-        out += "\\r";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      default:
-        if (d.scalar < 0x20) {
-          std::array<char, 8> escaped{};
-          std::snprintf(escaped.data(), escaped.size(), "\\u%04x", static_cast<unsigned>(d.scalar));
-          out += escaped.data();
-        } else {
-          text::append(out, d.scalar);
-        }
-    }
-  }
-  out.push_back('"');
-}
-
-void print(std::string& out, const Json& value, size_t level);
-
-void newLine(std::string& out, size_t level) {
-  out.push_back('\n');
-  out.append(level * 2, ' ');
-}
-
-void printObject(std::string& out, const Json& value, size_t level) {
-  if (value.empty()) {
-    out += "{}";
-    return;
-  }
-  out.push_back('{');
-  bool first = true;
-  for (const auto& [key, member] : value.items()) {
-    if (!first) out.push_back(',');
-    first = false;
-    newLine(out, level + 1);
-    printString(out, key);
-    out += " : ";
-    print(out, member, level + 1);
-  }
-  newLine(out, level);
-  out.push_back('}');
-}
-
-void printArray(std::string& out, const Json& value, size_t level) {
-  if (value.empty()) {
-    out += "[]";
-    return;
-  }
-  out.push_back('[');
-  bool first = true;
-  for (const Json& member : value) {
-    if (!first) out.push_back(',');
-    first = false;
-    newLine(out, level + 1);
-    print(out, member, level + 1);
-  }
-  newLine(out, level);
-  out.push_back(']');
-}
-
-void print(std::string& out, const Json& value, size_t level) {
+void print(JsonWriter& out, const Json& value) {
   switch (value.type()) {
     case Json::value_t::object:
-      printObject(out, value, level);
+      out.beginObject();
+      for (const auto& [key, member] : value.items()) print(out.key(key), member);
+      out.endObject();
       break;
     case Json::value_t::array:
-      printArray(out, value, level);
+      out.beginArray();
+      for (const Json& member : value) print(out, member);
+      out.endArray();
       break;
     case Json::value_t::string:
-      printString(out, value.get_ref<const std::string&>());
+      out.string(value.get_ref<const std::string&>());
       break;
     default:
-      out += value.dump();
+      out.raw(value.dump());
   }
 }
 
@@ -145,7 +61,8 @@ Json parseJson(std::string_view text) {
 
 std::string printJson(const Json& value) {
   std::string out;
-  print(out, value, 0);
+  JsonWriter writer(out);
+  print(writer, value);
   return out;
 }
 

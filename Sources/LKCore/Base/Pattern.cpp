@@ -3,6 +3,7 @@
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
 
+#include <algorithm>
 #include <array>
 
 #include "LKCore/Base/Text.h"
@@ -25,6 +26,12 @@ PCRE2_SPTR units(std::string_view text) {
   return reinterpret_cast<PCRE2_SPTR>(text.data());
 }
 
+std::string engineMessage(int code) {
+  std::array<PCRE2_UCHAR, 256> message{};
+  pcre2_get_error_message(code, message.data(), message.size());
+  return reinterpret_cast<const char*>(message.data());
+}
+
 }  // namespace
 
 Pattern::Pattern(std::string_view source, Case letters) : compiled_(std::make_unique<Compiled>()) {
@@ -35,10 +42,7 @@ Pattern::Pattern(std::string_view source, Case letters) : compiled_(std::make_un
   PCRE2_SIZE offset = 0;
   compiled_->code = pcre2_compile(units(source), source.size(), options, &code, &offset, nullptr);
   if (compiled_->code == nullptr) {
-    std::array<PCRE2_UCHAR, 256> message{};
-    pcre2_get_error_message(code, message.data(), message.size());
-    throw PatternError(std::string(reinterpret_cast<const char*>(message.data())) + " at offset " +
-                       std::to_string(offset));
+    throw PatternError(engineMessage(code) + " at offset " + std::to_string(offset));
   }
   pcre2_jit_compile(compiled_->code, PCRE2_JIT_COMPLETE);
 }
@@ -99,6 +103,45 @@ std::string Pattern::escaped(std::string_view text) {
     result.push_back(c);
   }
   return result;
+}
+
+struct PatternSearcher::Memory {
+  // Some milliseconds' work, where an honest pattern needs a fraction of one for a line.
+  static constexpr uint32_t kMatchLimit = 1'000'000;
+  static constexpr size_t kFirstStack = size_t{32} * 1024;
+  static constexpr size_t kLargestStack = size_t{1024} * 1024;
+
+  pcre2_match_data* data = nullptr;
+  pcre2_match_context* context = pcre2_match_context_create(nullptr);
+  pcre2_jit_stack* stack = pcre2_jit_stack_create(kFirstStack, kLargestStack, nullptr);
+
+  explicit Memory(const pcre2_code* code)
+      : data(pcre2_match_data_create_from_pattern(code, nullptr)) {
+    pcre2_set_match_limit(context, kMatchLimit);
+    pcre2_jit_stack_assign(context, nullptr, stack);
+  }
+  Memory(const Memory&) = delete;
+  Memory& operator=(const Memory&) = delete;
+  ~Memory() {
+    pcre2_match_data_free(data);
+    pcre2_match_context_free(context);
+    pcre2_jit_stack_free(stack);
+  }
+};
+
+PatternSearcher::PatternSearcher(const Pattern& pattern)
+    : pattern_(pattern), memory_(std::make_unique<Memory>(pattern.compiled_->code)) {}
+
+PatternSearcher::~PatternSearcher() = default;
+
+std::optional<TextRange> PatternSearcher::first(std::string_view text, size_t from) {
+  const int count = pcre2_match(pattern_.compiled_->code, units(text), text.size(), from, 0,
+                                memory_->data, memory_->context);
+  if (count == PCRE2_ERROR_NOMATCH) return std::nullopt;
+  if (count < 0) throw PatternError(engineMessage(count));
+  const PCRE2_SIZE* bounds = pcre2_get_ovector_pointer(memory_->data);
+  // \K in a lookahead can put a match's start after its end.
+  return TextRange{std::min(bounds[0], bounds[1]), bounds[1]};
 }
 
 }  // namespace lk

@@ -12,7 +12,8 @@
 
 namespace lk {
 
-// A pattern that does not compile; the description is the compiler's text.
+// A pattern that does not compile, or whose search costs more than it may (PatternSearcher); the
+// description is the engine's text.
 class PatternError : public Error {
  public:
   using Error::Error;
@@ -59,8 +60,28 @@ class Pattern {
   static std::string escaped(std::string_view text);
 
  private:
+  friend class PatternSearcher;
   struct Compiled;
   std::unique_ptr<Compiled> compiled_;
+};
+
+// Looks for one pattern in many texts, keeping the engine's memory from one to the next. For
+// patterns from outside: a search that goes on and on ends in an error. For one thread; the pattern
+// must outlive it.
+class PatternSearcher {
+ public:
+  explicit PatternSearcher(const Pattern& pattern);
+  ~PatternSearcher();
+  PatternSearcher(const PatternSearcher&) = delete;
+  PatternSearcher& operator=(const PatternSearcher&) = delete;
+
+  // The first match at or after byte `from`. Throws PatternError beyond the engine's limits.
+  std::optional<TextRange> first(std::string_view text, size_t from = 0);
+
+ private:
+  struct Memory;
+  const Pattern& pattern_;
+  std::unique_ptr<Memory> memory_;
 };
 
 }  // namespace lk

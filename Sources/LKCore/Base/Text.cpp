@@ -409,6 +409,21 @@ int compareLocalized(std::string_view a, std::string_view b) {
   return U_FAILURE(status) ? a.compare(b) : order;
 }
 
+std::string localizedKey(std::string_view text) {
+  const icu::UnicodeString units = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+  std::string key(text.size() * 2 + 16, '\0');
+  const auto fill = [&] {
+    return listCollator().getSortKey(units, reinterpret_cast<uint8_t*>(key.data()),
+                                     static_cast<int32_t>(key.size()));
+  };
+  const auto size = static_cast<size_t>(fill());
+  const bool fits = size <= key.size();
+  key.resize(size);
+  if (!fits) fill();
+  return key;
+}
+
 size_t editDistance(std::string_view a, std::string_view b) {
   const auto scalars = [](std::string_view text) {
     std::vector<char32_t> result;

@@ -105,6 +105,8 @@ std::string folded(std::string_view text);
 // The order of lists for people: by the user's language, digits by their value ("9" before
 // "10"), accents and then case only to break ties. Negative, zero or positive.
 int compareLocalized(std::string_view a, std::string_view b);
+// Bytes of that order: for texts that are compared many times.
+std::string localizedKey(std::string_view text);
 
 // --- Suggestions ---------------------------------------------------------------------------------
 

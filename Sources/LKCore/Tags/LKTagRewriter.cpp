@@ -32,13 +32,8 @@ TagRanks renamedRanks(const TagRanks& ranks, const KeyTransform& transform) {
   });
 }
 
-void logFailure(std::string_view what, const fs::path& url, const Error& error) {
-  log::error(std::string("LKTagRewriter: ")
-                 .append(what)
-                 .append(" for ")
-                 .append(url.string())
-                 .append(": ")
-                 .append(error.description()));
+void logFailure(const fs::path& url, const Error& error) {
+  log::error("LKTagRewriter: " + url.string() + " keeps its tags: " + error.description());
 }
 
 void renameIcons(const std::string& from, const std::string& to, bool isPrefix,
@@ -112,52 +107,57 @@ std::optional<std::string> rewritten(std::string_view file, const fs::path& url,
   return note->written(changed, rawBody);
 }
 
+namespace {
+
+// Throws FileError, and Error for a text that could not be written; the file is then as it was.
+bool changeFile(const fs::path& url, const Pattern& pattern, std::string_view replacement,
+                const KeyTransform& rankKeyTransform) {
+  const FileLock lock = FileLock::forUpdate(url);
+  const auto after = rewritten(readFile(lock.path()), url, pattern, replacement, rankKeyTransform);
+  if (!after) return false;
+  if (!text::isValidUTF8(*after)) throw Error("The changed text is not UTF-8.");
+  const LKOwnFileWrites::Scope inFlight(url);
+  LKFileWrite::atomically(*after, lock.path());
+  return true;
+}
+
+}  // namespace
+
 bool rewriteFile(const fs::path& url, const Pattern& pattern, std::string_view replacement,
                  const KeyTransform& rankKeyTransform) {
-  std::optional<FileLock> lock;
   try {
-    lock = FileLock::forUpdate(url);
-  } catch (const FileError& error) {
-    logFailure("coordinator error", url, error);
-    return false;
-  }
-  std::string before;
-  try {
-    before = readFile(lock->path());
-  } catch (const FileError&) {
-    return false;  // what cannot be read is not changed
-  }
-  const auto after = rewritten(before, url, pattern, replacement, rankKeyTransform);
-  if (!after) return false;
-  if (!text::isValidUTF8(*after)) {
-    log::error("LKTagRewriter: serialize failed for " + url.string());
-    return false;
-  }
-  try {
-    const LKOwnFileWrites::Scope inFlight(url);
-    LKFileWrite::atomically(*after, lock->path());
-    return true;
-  } catch (const FileError& error) {
-    logFailure("write failed", url, error);
+    return changeFile(url, pattern, replacement, rankKeyTransform);
+  } catch (const Error& error) {
+    logFailure(url, error);
     return false;
   }
 }
 
 std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files,
                                     const std::string& from, const std::string& to, bool isPrefix,
-                                    const LKTagIconStore& icons) {
+                                    const LKTagIconStore& icons, const FileFailure& onFailure) {
   std::vector<fs::path> changed;
   if (from.empty() || from == to) return changed;
+  const auto fail = [&](const fs::path& url, const Error& error) {
+    logFailure(url, error);
+    if (onFailure) onFailure(url, error);
+  };
+  const RenamePattern names = renamePattern(from, to, isPrefix);
+  std::optional<Pattern> pattern;
   try {
-    const RenamePattern names = renamePattern(from, to, isPrefix);
-    const Pattern pattern(names.pattern);
-    const KeyTransform rankKeys = rankKeyTransform(from, to);
-    renameIcons(from, to, isPrefix, icons);
-    for (const auto& [url, text] : files) {
-      if (rewriteFile(url, pattern, names.replacement, rankKeys)) changed.push_back(url);
-    }
+    pattern.emplace(names.pattern);
   } catch (const PatternError& error) {
-    log::error("LKTagRewriter: #" + from + " cannot be looked for: " + error.description());
+    for (const auto& [url, text] : files) fail(url, error);
+    return changed;
+  }
+  const KeyTransform rankKeys = rankKeyTransform(from, to);
+  renameIcons(from, to, isPrefix, icons);
+  for (const auto& [url, text] : files) {
+    try {
+      if (changeFile(url, *pattern, names.replacement, rankKeys)) changed.push_back(url);
+    } catch (const Error& error) {
+      fail(url, error);
+    }
   }
   return changed;
 }

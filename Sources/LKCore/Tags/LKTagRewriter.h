@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "LKCore/Base/Error.h"
 #include "LKCore/Base/Pattern.h"
 #include "LKCore/Base/UUID.h"
 #include "LKCore/Tags/LKTagCache.h"
@@ -61,13 +62,17 @@ std::optional<std::string> rewritten(std::string_view file, const std::filesyste
 bool rewriteFile(const std::filesystem::path& url, const Pattern& pattern,
                  std::string_view replacement, const KeyTransform& rankKeyTransform);
 
+// Hears of a file that could not be changed and keeps its tags.
+using FileFailure = std::function<void(const std::filesystem::path& url, const Error& error)>;
+
 // Renames the icon or, with `isPrefix`, icons, and then in each of the files (file to its text as
-// the caller read it; the file is read again under its lock). Gives those that changed. A failure
-// is logged and the rest goes on.
+// the caller read it; the file is read again under its lock). Gives those that changed. Every
+// failure is logged and told to `onFailure`, and the rest goes on.
 std::vector<std::filesystem::path> renameInFiles(
     const std::map<std::filesystem::path, std::string>& files, const std::string& from,
     const std::string& to, bool isPrefix,
-    const LKTagIconStore& icons = LKTagIconStore::ofActiveCollection());
+    const LKTagIconStore& icons = LKTagIconStore::ofActiveCollection(),
+    const FileFailure& onFailure = {});
 
 // --- In the cache --------------------------------------------------------------------------------
 

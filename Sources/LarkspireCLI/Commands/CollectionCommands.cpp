@@ -115,14 +115,6 @@ LKCollectionRecord removable(const std::string& reference,
 
 }  // namespace
 
-void CollectionInfoCommand::declare(ArgumentList& arguments) {
-  arguments.flag("--finder", finder, "Open collection in Finder.");
-}
-
-void CollectionInfoCommand::run() {
-  throwComesLater("collection info");
-}
-
 void CollectionSwitchCommand::declare(ArgumentList& arguments) {
   arguments
       .positional("reference", reference,
@@ -212,12 +204,6 @@ void CollectionRemoveCommand::run() {
   printLine("Removed " + inQuotes(record.name) +
             " from the registry. Files on disk are unchanged.");
   if (next) printLine("Switched active collection to " + inQuotes(next->name));
-}
-
-void CollectionDoctorCommand::declare(ArgumentList& /*arguments*/) {}
-
-void CollectionDoctorCommand::run() {
-  throwComesLater("collection doctor");
 }
 
 }  // namespace lk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -20,6 +21,10 @@ class SearchCommand final : public Command {
   std::optional<std::string> tag;
   bool includeSubtags = false;
   std::optional<int> limit;
+
+ private:
+  void searchTitles() const;
+  void searchText(const std::filesystem::path& collection) const;
 };
 
 }  // namespace lk

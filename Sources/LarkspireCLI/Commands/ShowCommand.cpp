@@ -1,5 +1,6 @@
 #include "LarkspireCLI/Commands/ShowCommand.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "LKCore/Base/Json.h"
@@ -8,8 +9,10 @@
 #include "LKCore/NoteFiles/LKSyncError.h"
 #include "LKCore/Platform/Files.h"
 #include "LarkspireCLI/Support/CLIError.h"
+#include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/OutputFormatter.h"
 #include "LarkspireCLI/Support/RequiredNote.h"
 
 namespace lk {
@@ -76,6 +79,19 @@ void printBody(const std::string& body) {
   }
 }
 
+std::string tasksOf(const ResolvedNote& note, bool asJSON) {
+  CacheReader cache(LKParts::tasks);
+  const LKNote* row = cache.fetchNote(note.id);
+  std::vector<LKTask*> tasks = row != nullptr ? row->tasks : std::vector<LKTask*>();
+  std::ranges::stable_sort(tasks, {}, &LKTask::paragraphIndex);
+  return OutputFormatter::formatTaskList(tasks, asJSON, Terminal::ofStandardOutput());
+}
+
+std::string backlinksOf(const ResolvedNote& note, bool asJSON) {
+  CacheReader cache(LKParts::links);
+  return OutputFormatter::formatBacklinks(cache.fetchBacklinks(note.id), note.title, asJSON);
+}
+
 }  // namespace
 
 void ShowCommand::declare(ArgumentList& arguments) {
@@ -89,8 +105,10 @@ void ShowCommand::declare(ArgumentList& arguments) {
 void ShowCommand::run() {
   const NoteInCollection found = requireNote(options, note, "Provide a note title or --id UUID.");
   const ShownNote shown = load(found.note);
-  if (tasks) throwComesLater("show --tasks");
-  if (backlinks) throwComesLater("show --backlinks");
+  if (tasks || backlinks) {
+    printLine(tasks ? tasksOf(found.note, options.json) : backlinksOf(found.note, options.json));
+    return;
+  }
   if (options.json) {
     printLine(jsonOf(shown, !properties));
     return;

@@ -1,6 +1,89 @@
 #include "LarkspireCLI/Commands/TagsCommands.h"
 
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <set>
+#include <vector>
+
+#include "LKCore/Base/Text.h"
+#include "LKCore/NoteFiles/LKFileFrontMatter.h"
+#include "LKCore/NoteFiles/LKSyncError.h"
+#include "LKCore/NoteRepository/LKFileIndex.h"
+#include "LKCore/Platform/Files.h"
+#include "LKCore/Tags/LKTagExtractor.h"
+#include "LKCore/Tags/LKTagNameRules.h"
+#include "LKCore/Tags/LKTagRewriter.h"
+#include "LKCore/Tags/TagPaths.h"
+#include "LarkspireCLI/Support/CLIError.h"
+#include "LarkspireCLI/Support/CacheReader.h"
+#include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/FileScan.h"
+#include "LarkspireCLI/Support/NoteOrder.h"
+#include "LarkspireCLI/Support/NoteWriting.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/OutputFormatter.h"
+#include "LarkspireCLI/Support/TagArgument.h"
+
 namespace lk {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What the notes outside the trash say of a tag that is to be renamed.
+struct TagUse {
+  std::vector<std::string> allTags;  // of all notes, sorted
+  std::map<fs::path, std::string>
+      files;  // those that carry the tag or one below it, and their text
+};
+
+std::string cleaned(std::string_view path) {
+  return std::string(TagArgument::withoutHash(text::trimmed(path)));
+}
+
+TagUse scan(const fs::path& collection, const std::string& tag) {
+  TagUse use;
+  ExtractionResult::Texts all;
+  for (const fs::path& file : LKFileIndex::noteFiles(collection)) {
+    if (isInTrash(file, collection)) continue;
+    try {
+      std::string bytes = readFile(file);
+      if (!text::isValidUTF8(bytes)) continue;
+      const auto tags = LKTagExtractor::extractTags(parseDocument(bytes).body);
+      all.insert(tags.begin(), tags.end());
+      const bool usesTag = std::ranges::any_of(
+          tags, [&](const std::string& each) { return each == tag || tags::isBelow(each, tag); });
+      if (usesTag) use.files.emplace(file, std::move(bytes));
+    } catch (const LKSyncError&) {
+      continue;  // no note: what has no block of ours is not changed
+    } catch (const FileError&) {
+      continue;
+    }
+  }
+  use.allTags.assign(all.begin(), all.end());
+  return use;
+}
+
+// "/notes/Plan.md: No space left on device".
+std::string failureOf(const fs::path& url, const Error& error) {
+  const bool namesFile = error.description().find(url.string()) != std::string::npos;
+  return namesFile ? error.description() : url.string() + ": " + error.description();
+}
+
+std::string reportOf(const std::vector<std::string>& failures, const std::string& tag) {
+  constexpr size_t kNamed = 10;
+  std::string report = std::to_string(failures.size()) + " note" +
+                       (failures.size() == 1 ? " keeps" : "s keep") + " #" + tag + ":";
+  for (size_t i = 0; i < std::min(kNamed, failures.size()); ++i) report += "\n  " + failures[i];
+  if (failures.size() > kNamed) {
+    report += "\n  and " + std::to_string(failures.size() - kNamed) + " more";
+  }
+  return report + "\n  Re-run with --merge to rename the rest.";
+}
+
+}  // namespace
 
 void TagsListCommand::declare(ArgumentList& arguments) {
   arguments.positional("name", name, "Show notes for this tag.").completion = Completion::tag;
@@ -8,7 +91,43 @@ void TagsListCommand::declare(ArgumentList& arguments) {
 }
 
 void TagsListCommand::run() {
-  throwComesLater("tags list");
+  const fs::path collection = resolvedCollection(options.collection, options.quiet);
+  if (name) {
+    printNotes(*name);
+    return;
+  }
+  CacheReader cache(LKParts::tags);
+  std::vector<TagRow> rows = cache.container() != nullptr
+                                 ? OutputFormatter::tagRows(cache.fetchTags())
+                                 : scanTagsFromFiles(collection);
+  if (prefix) {
+    const std::string beginning = text::caseInsensitiveKey(TagArgument::withoutHash(*prefix));
+    std::erase_if(rows, [&](const TagRow& row) {
+      return !text::caseInsensitiveKey(row.tag).starts_with(beginning);
+    });
+  }
+  printLine(OutputFormatter::formatTagList(std::move(rows), options.json));
+}
+
+void TagsListCommand::printNotes(const std::string& tag) const {
+  CacheReader cache(LKParts::tags);
+  if (cache.container() == nullptr) {
+    throw CLIError::general(
+        "Tag lookup needs an index, and lk couldn't build one from the note files.");
+  }
+  const std::string key = text::caseInsensitiveKey(TagArgument::withoutHash(tag));
+  bool isKnown = false;
+  std::set<LKNote*> carriers;  // "#Work" and "#work" are one tag to whoever looks it up
+  for (const LKTag* each : cache.fetchTags()) {
+    if (text::caseInsensitiveKey(each->text) != key) continue;
+    isKnown = true;
+    std::ranges::copy_if(each->notes, std::inserter(carriers, carriers.end()),
+                         [](const LKNote* note) { return !note->isTrashed; });
+  }
+  if (!isKnown) throw CLIError::general("Tag \"" + tag + "\" not found.");
+  std::vector<LKNote*> notes(carriers.begin(), carriers.end());
+  sortNotes(notes, NoteOrder::modified);
+  printLine(OutputFormatter::formatNoteList(notes, options.json, Terminal::ofStandardOutput()));
 }
 
 void TagsRenameCommand::declare(ArgumentList& arguments) {
@@ -21,7 +140,32 @@ void TagsRenameCommand::declare(ArgumentList& arguments) {
 }
 
 void TagsRenameCommand::run() {
-  throwComesLater("tags rename");
+  const fs::path collection = resolvedCollection(options.collection, options.quiet);
+  const std::string from = cleaned(oldPath);
+  const std::string to = cleaned(newPath);
+  if (const auto problem = LKTagNameRules::problem(to)) {
+    throw CLIError::general("New tag name: " + *problem);
+  }
+  if (from == to) throw CLIError::general("The new name is the same as the old one.");
+  requireWritable(collection);
+  const TagUse use = scan(collection, from);
+  if (use.files.empty()) throw CLIError::general("No note uses #" + from + ".");
+  const auto collisions = LKTagRewriter::collisions(from, to, use.allTags);
+  if (!collisions.empty() && !merge) {
+    throw CLIError::general("#" + collisions.front() + " already exists — renaming would merge #" +
+                            from + " into it. Re-run with --merge to do that.");
+  }
+  std::vector<std::string> failures;
+  const auto changed = LKTagRewriter::renameInFiles(
+      use.files, from, to, LKTagRewriter::isPrefix(from, use.allTags),
+      LKTagIconStore::ofActiveCollection(),
+      [&](const fs::path& url, const Error& error) { failures.push_back(failureOf(url, error)); });
+  if (failures.empty() || !changed.empty()) {
+    printMessage(options, (collisions.empty() ? "Renamed #" : "Merged #") + from + " → #" + to +
+                              " in " + std::to_string(changed.size()) + " note" +
+                              (changed.size() == 1 ? "." : "s."));
+  }
+  if (!failures.empty()) throw CLIError::writeFailed(reportOf(failures, from));
 }
 
 }  // namespace lk

@@ -15,6 +15,9 @@ class TagsListCommand final : public Command {
 
   std::optional<std::string> name;
   std::optional<std::string> prefix;
+
+ private:
+  void printNotes(const std::string& tag) const;
 };
 
 // `lk tags rename`

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 
 #include "LKCore/Collections/LKCollectionPath.h"
 #include "LKCore/Collections/LKCollectionStore.h"
@@ -74,15 +75,35 @@ void requireFolder(const fs::path& path) {
   }
 }
 
-fs::path existingFolder(const std::optional<std::string>& reference, bool quiet) {
+// Nothing on a machine on which nobody has registered or chosen a collection.
+bool hasCollections() {
+  return CLIActiveCollection::get() || !LKCollectionStore::shared().collections().empty();
+}
+
+fs::path plannedDefaultFolder() {
+  fs::path folder = LKCollectionStore::shared().plannedDefaultCollection().path;
+  if (!whatIsAt(folder)) throw CLIError::collectionNotFound();
+  return folder;
+}
+
+// `locate` says where.
+fs::path existingFolder(const std::function<fs::path()>& locate) {
   try {
-    fs::path folder = resolveCollectionURL(reference, quiet).lexically_normal();
+    fs::path folder = locate().lexically_normal();
     if (!folder.has_filename() && folder.has_relative_path()) folder = folder.parent_path();
     requireFolder(folder);
     return folder;
   } catch (const FileError& error) {
     throw CLIError::general(error.description());
   }
+}
+
+// Makes the folder the one of this run.
+fs::path adopted(const fs::path& folder, bool isExplicit, bool quiet) {
+  tellRegistryWarnings(quiet);
+  LKCollectionPath::setOverrideDocumentsDirectory(folder);
+  collectionRun() = {folder, cachePolicy(folder, isExplicit), quiet};
+  return folder;
 }
 
 }  // namespace
@@ -93,11 +114,16 @@ CollectionRun& collectionRun() {
 }
 
 fs::path resolvedCollection(const std::optional<std::string>& reference, bool quiet) {
-  fs::path folder = existingFolder(reference, quiet);
-  tellRegistryWarnings(quiet);
-  LKCollectionPath::setOverrideDocumentsDirectory(folder);
-  collectionRun() = {folder, cachePolicy(folder, reference.has_value()), quiet};
-  return folder;
+  return adopted(existingFolder([&] { return resolveCollectionURL(reference, quiet); }),
+                 reference.has_value(), quiet);
+}
+
+fs::path resolvedCollectionAsItStands(const std::optional<std::string>& reference, bool quiet) {
+  const auto locate = [&] {
+    return reference || hasCollections() ? resolveCollectionURL(reference, quiet)
+                                         : plannedDefaultFolder();
+  };
+  return adopted(existingFolder(locate), reference.has_value(), quiet);
 }
 
 fs::path resolveCollectionURL(const std::optional<std::string>& reference, bool quiet) {

@@ -29,6 +29,11 @@ CollectionRun& collectionRun();
 // unless `quiet`. Throws CLIError.
 std::filesystem::path resolvedCollection(const std::optional<std::string>& reference, bool quiet);
 
+// The same for a command that only looks: on a machine without a registered collection it does not
+// make the default one, so that without its folder none is found.
+std::filesystem::path resolvedCollectionAsItStands(const std::optional<std::string>& reference,
+                                                   bool quiet);
+
 // The folder alone, there or not, without setting anything. Throws CLIError and FileError.
 std::filesystem::path resolveCollectionURL(const std::optional<std::string>& reference, bool quiet);
 

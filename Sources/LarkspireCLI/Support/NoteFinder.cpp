@@ -12,6 +12,7 @@
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Platform/FolderWalk.h"
+#include "LarkspireCLI/Support/CacheReader.h"
 
 namespace lk::NoteFinder {
 
@@ -83,6 +84,38 @@ std::optional<ResolvedNote> noteWithID(UUID id, const fs::path& collection,
   return found;
 }
 
+// The place in the collection of a note that an index knows, where it can still be meant: a note
+// file, neither in the trash nor hidden otherwise, and not outside.
+std::optional<fs::path> placeOf(const LKNote& row, const fs::path& collection) {
+  if (!row.fileURL || row.isTrashed) return std::nullopt;
+  fs::path inside = row.fileURL->lexically_relative(collection);
+  if (inside.empty() || *inside.begin() == "..") {
+    // The index may have come to the folder by another way.
+    inside = resolved(*row.fileURL).lexically_relative(resolved(collection));
+  }
+  if (inside.empty() || !inside.filename().string().ends_with(kExtension)) return std::nullopt;
+  for (auto part = inside.begin(); part != inside.end(); ++part) {
+    const bool isDaily = part == inside.begin() && *part == ".daily";
+    if (part->string().starts_with('.') && !isDaily) return std::nullopt;
+  }
+  return collection / inside;
+}
+
+// The first of the index's notes, in path order, whose file is there and passes the test.
+std::optional<ResolvedNote> noteAtHand(const LKPredicate<LKNote>& where, const fs::path& collection,
+                                       CacheReader& cache,
+                                       const std::function<bool(const ResolvedNote&)>& test) {
+  std::set<fs::path> places;
+  for (const LKNote* row : cache.fetchNotesAtHand(where)) {
+    if (auto place = placeOf(*row, collection)) places.insert(*std::move(place));
+  }
+  for (const fs::path& place : places) {
+    auto note = resolvedNote(place);
+    if (note && test(*note)) return note;
+  }
+  return std::nullopt;
+}
+
 // The file that the title names in the root of the collection.
 std::optional<ResolvedNote> noteInRoot(const std::string& title, const fs::path& collection) {
   if (title.empty() || title.front() == '.' || title.find('/') != std::string::npos) {
@@ -136,10 +169,18 @@ std::optional<ResolvedNote> noteByTitle(const std::string& reference, const fs::
 }  // namespace
 
 std::optional<ResolvedNote> resolve(const std::string& reference, const fs::path& collection,
+                                    CacheReader& cache,
                                     const std::function<void(const std::string&)>& warn) {
-  if (const auto id = UUID::parse(reference)) return noteWithID(*id, collection, warn);
+  if (const auto id = UUID::parse(reference)) {
+    auto note = noteAtHand(notesWithID(*id), collection, cache,
+                           [&](const ResolvedNote& found) { return found.id == *id; });
+    return note ? note : noteWithID(*id, collection, warn);
+  }
   if (reference.empty()) return std::nullopt;
   if (auto note = noteInRoot(reference, collection)) return note;
+  auto note = noteAtHand(notesTitled(reference), collection, cache,
+                         [&](const ResolvedNote& found) { return found.title == reference; });
+  if (note) return note;
   return noteByTitle(reference, collection, warn);
 }
 

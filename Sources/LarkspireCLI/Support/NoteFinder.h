@@ -10,6 +10,8 @@
 
 namespace lk {
 
+class CacheReader;
+
 // A note that a reference on the command line stands for.
 struct ResolvedNote {
   std::filesystem::path url;
@@ -18,7 +20,8 @@ struct ResolvedNote {
 };
 
 // Finds notes by what a person typed. A title is a file's name, so finding one reads names and no
-// contents; only a UUID makes it look into the files.
+// contents; only a UUID makes it look into the files. An index that is at hand saves both, and is
+// believed no more than the disk confirms: it may be older than the files.
 namespace NoteFinder {
 
 // In this order: a UUID (then nothing else is tried), the title in the collection's root, the
@@ -27,9 +30,9 @@ namespace NoteFinder {
 // several partial ones the most recently changed, then the first by title.
 //
 // Nothing when no note fits. Never throws for unreadable files or folders: they are passed over.
-// `warn` hears of file names that cannot be used, once each.
+// Never makes `cache` build an index. `warn` hears of file names that cannot be used, once each.
 std::optional<ResolvedNote> resolve(const std::string& reference,
-                                    const std::filesystem::path& collection,
+                                    const std::filesystem::path& collection, CacheReader& cache,
                                     const std::function<void(const std::string&)>& warn);
 
 // The note files of a folder, not of those below it: what `.trash` holds.

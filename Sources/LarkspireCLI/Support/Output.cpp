@@ -47,6 +47,10 @@ void printMessage(const GlobalOptions& options, const std::string& message) {
   printLine(options.json ? printJson(Json{{"message", message}}) : message);
 }
 
+bool outputIsClosed() {
+  return firstFailure != 0;
+}
+
 int finishOutput() {
   noteFailure(std::fflush(stdout) != 0);
   return firstFailure;

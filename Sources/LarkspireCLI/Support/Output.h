@@ -23,6 +23,9 @@ void printNote(const GlobalOptions& options, std::string_view text);
 // How a changing command reports: the message as a line, or as {"message": ...} with --json.
 void printMessage(const GlobalOptions& options, const std::string& message);
 
+// True when standard output takes no more, as after `| head`: what is still to come may stay away.
+bool outputIsClosed();
+
 // Writes out what is buffered. 0 when every byte of the run has reached standard output, else the
 // errno of the first write that failed.
 int finishOutput();

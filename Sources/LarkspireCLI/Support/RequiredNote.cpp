@@ -1,6 +1,7 @@
 #include "LarkspireCLI/Support/RequiredNote.h"
 
 #include "LarkspireCLI/Support/CLIError.h"
+#include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/Output.h"
 
@@ -20,8 +21,14 @@ NoteInCollection requireNote(const GlobalOptions& options, const NoteReference& 
 
 ResolvedNote requireNoteIn(const fs::path& collection, const GlobalOptions& options,
                            const std::string& reference) {
+  CacheReader cache(LKParts::none);
+  return requireNoteIn(collection, options, reference, cache);
+}
+
+ResolvedNote requireNoteIn(const fs::path& collection, const GlobalOptions& options,
+                           const std::string& reference, CacheReader& cache) {
   const auto warn = [&](const std::string& message) { printNote(options, message); };
-  auto note = NoteFinder::resolve(reference, collection, warn);
+  auto note = NoteFinder::resolve(reference, collection, cache, warn);
   if (!note) throw CLIError::noteNotFound(reference);
   return *note;
 }

@@ -19,8 +19,11 @@ struct NoteInCollection {
 NoteInCollection requireNote(const GlobalOptions& options, const NoteReference& reference,
                              const std::string& missingMessage);
 
-// The note in a collection that is resolved already. Throws CLIError::noteNotFound.
+// The note in a collection that is resolved already. Throws CLIError::noteNotFound. With `cache`,
+// the index that the command reads anyway helps to find it.
 ResolvedNote requireNoteIn(const std::filesystem::path& collection, const GlobalOptions& options,
                            const std::string& reference);
+ResolvedNote requireNoteIn(const std::filesystem::path& collection, const GlobalOptions& options,
+                           const std::string& reference, CacheReader& cache);
 
 }  // namespace lk

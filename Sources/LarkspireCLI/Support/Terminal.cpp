@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 #include "LKCore/Base/Text.h"
@@ -14,6 +15,7 @@ namespace lk {
 namespace {
 
 size_t scalarWidth(char32_t scalar) {
+  if (scalar >= 0x20 && scalar < 0x7F) return 1;
   const auto point = static_cast<UChar32>(scalar);
   switch (u_charType(point)) {
     case U_NON_SPACING_MARK:
@@ -41,6 +43,7 @@ Terminal Terminal::ofStandardOutput() {
   winsize size{};
   if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
     terminal.width = std::clamp<size_t>(size.ws_col, 40, 100);
+    terminal.columns = size.ws_col;
   }
   const char* kind = std::getenv("TERM");
   const bool dumb = kind == nullptr || std::string_view(kind) == "dumb";
@@ -48,9 +51,11 @@ Terminal Terminal::ofStandardOutput() {
   return terminal;
 }
 
-std::string Terminal::bold(std::string_view text) const {
-  if (!styled) return std::string(text);
-  return "\x1b[1m" + std::string(text) + "\x1b[0m";
+std::string Terminal::in(TextStyle style, std::string_view text) const {
+  static constexpr std::array<const char*, 5> kSequences = {"", "\x1b[1m", "\x1b[2m", "\x1b[36m",
+                                                            "\x1b[1;31m"};
+  if (!styled || style == TextStyle::plain || text.empty()) return std::string(text);
+  return kSequences[static_cast<size_t>(style)] + std::string(text) + "\x1b[0m";
 }
 
 size_t displayWidth(std::string_view text) {
@@ -61,6 +66,32 @@ size_t displayWidth(std::string_view text) {
     offset += next.length;
   }
   return width;
+}
+
+std::string withoutControls(std::string_view text) {
+  std::string result;
+  for (size_t offset = 0; offset < text.size();) {
+    const text::Decoded next = text::decode(text, offset);
+    if (u_charType(static_cast<UChar32>(next.scalar)) != U_CONTROL_CHAR) {
+      result.append(text.substr(offset, next.length));
+    }
+    offset += next.length;
+  }
+  return result;
+}
+
+std::string fitted(std::string_view text, size_t width) {
+  std::string line = withoutControls(text);
+  if (displayWidth(line) <= width) return line;
+  size_t used = 1;  // the mark of the cut
+  size_t end = 0;
+  while (end < line.size()) {
+    const text::Decoded next = text::decode(line, end);
+    used += scalarWidth(next.scalar);
+    if (used > width) break;
+    end += next.length;
+  }
+  return line.substr(0, end) + (width > 0 ? "…" : "");
 }
 
 std::vector<std::string> wrapped(std::string_view text, size_t width) {

@@ -8,6 +8,7 @@
 
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/Platform/Files.h"
+#include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/NoteFinder.h"
 #include "Support/Process.h"
 #include "Support/TempFolder.h"
@@ -46,7 +47,9 @@ class Finding : public testing::Test {
   }
 
   std::string found(const std::string& reference) {
-    const auto result = NoteFinder::resolve(reference, folder.path(), [](const std::string&) {});
+    CacheReader cache(LKParts::none);
+    const auto result =
+        NoteFinder::resolve(reference, folder.path(), cache, [](const std::string&) {});
     return result ? result->url.lexically_relative(folder.path()).string() : "nothing";
   }
 
