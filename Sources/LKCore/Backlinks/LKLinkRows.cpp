@@ -94,8 +94,8 @@ class LinkSync {
  private:
   // Rows with a target stay before those without.
   void keepFirst(Rows& rows, size_t count) {
-    std::ranges::stable_partition(
-        rows, [](const LKBackLink* row) { return row->targetNoteID.has_value(); });
+    std::stable_partition(rows.begin(), rows.end(),
+                          [](const LKBackLink* row) { return row->targetNoteID.has_value(); });
     for (size_t i = count; i < rows.size(); ++i) {
       addTarget(outcome_, rows[i]->targetNoteID);
       context_.backLinks().remove(*rows[i]);

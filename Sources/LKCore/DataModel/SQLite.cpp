@@ -42,8 +42,9 @@ std::string uriOf(const std::filesystem::path& path, const std::string& paramete
   static constexpr std::string_view kPlain =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/-_.";
   static constexpr std::string_view kDigits = "0123456789ABCDEF";
+  const std::filesystem::path whole = std::filesystem::absolute(path);
   std::string uri = "file:";
-  for (const char c : std::filesystem::absolute(path).native()) {
+  for (const char c : whole.native()) {
     const auto byte = static_cast<unsigned char>(c);
     if (kPlain.find(c) != std::string_view::npos) {
       uri.push_back(c);

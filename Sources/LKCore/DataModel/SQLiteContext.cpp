@@ -20,11 +20,10 @@ bool hasKey(const std::vector<int64_t>& keys, int64_t key) {
   return std::ranges::find(keys, key) != keys.end();
 }
 
-template <typename Stored>
-void sortUnique(std::vector<Stored*>& rows) {
-  std::ranges::sort(rows);
-  const auto rest = std::ranges::unique(rows);
-  rows.erase(rest.begin(), rest.end());
+template <typename Value>
+void sortUnique(std::vector<Value>& values) {
+  std::ranges::sort(values);
+  values.erase(std::unique(values.begin(), values.end()), values.end());
 }
 
 class SQLiteContext final : public LKContext {
@@ -236,9 +235,7 @@ void SQLiteContext::link(const std::vector<StoredTag*>& tags, LKParts parts, boo
     for (const Tie& each : ties) {
       if (notes_.rows.find(each.note) == nullptr) missing.push_back(each.note);
     }
-    std::ranges::sort(missing);
-    const auto rest = std::ranges::unique(missing);
-    missing.erase(rest.begin(), rest.end());
+    sortUnique(missing);
     if (!missing.empty()) notes_.rows.read(TableScope::withKeys("pk", missing), parts);
     tie(ties);
     markLinked(tags, LKParts::tags);

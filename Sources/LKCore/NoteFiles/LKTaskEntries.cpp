@@ -269,4 +269,11 @@ std::vector<TaskEntry> deriveTaskEntries(std::string_view text,
   return entries;
 }
 
+std::vector<TaskEntry> deriveTaskEntriesInPlace(std::string_view before, std::string_view after,
+                                                const std::vector<TaskEntry>& existing) {
+  std::vector<TaskEntry> entries = deriveTaskEntries(before, existing);
+  for (TaskEntry& entry : entries) entry.hash.reset();  // the line's index alone shall count
+  return deriveTaskEntries(after, entries);
+}
+
 }  // namespace lk

@@ -73,4 +73,9 @@ TaskEntryMatch matchTaskEntries(const std::vector<LiveTask>& liveTasks,
 std::vector<TaskEntry> deriveTaskEntries(std::string_view text,
                                          const std::vector<TaskEntry>& existing);
 
+// The same for a text whose lines were changed in place, none added, none taken away: each task
+// keeps the id that it has in `before`, whatever it says in `after`.
+std::vector<TaskEntry> deriveTaskEntriesInPlace(std::string_view before, std::string_view after,
+                                                const std::vector<TaskEntry>& existing);
+
 }  // namespace lk

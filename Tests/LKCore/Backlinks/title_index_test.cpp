@@ -24,7 +24,7 @@ void expectFound(LKContext& context, const std::string& asked, const LKNote* exp
   const std::string key = text::caseInsensitiveKey(asked);
   EXPECT_EQ(LKTitleIndex::noteTitled(asked, context), expected);
   EXPECT_EQ(LKTitleIndex(context).noteForTitle(asked), expected);
-  for (const size_t threshold : {0, 40}) {
+  for (const size_t threshold : {size_t{0}, size_t{40}}) {
     const auto notes = LKTitleIndex::notesTitledAny({asked, "nothing"}, context, threshold);
     ASSERT_EQ(notes.size(), expected == nullptr ? 0U : 1U) << threshold;
     EXPECT_TRUE(expected == nullptr || notes.at(key) == expected) << threshold;
@@ -49,7 +49,7 @@ TEST_P(Titles, MatchInEveryWayToAsk) {
   expectFound(*context, row.asked, row.isFound ? &note : nullptr);
   const auto exact = LKTitleIndex::linkMatches(row.asked, *context).exact;
   EXPECT_EQ(exact.size(), row.isFound ? 1U : 0U);
-  for (const size_t threshold : {0, 40}) {
+  for (const size_t threshold : {size_t{0}, size_t{40}}) {
     const auto ids = LKTitleIndex::linkTargetIDs({row.asked}, *context, threshold);
     ASSERT_EQ(ids.size(), row.isFound ? 1U : 0U) << threshold;
     EXPECT_TRUE(!row.isFound || ids.at(text::caseInsensitiveKey(row.asked)) == note.id);

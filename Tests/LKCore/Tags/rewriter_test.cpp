@@ -109,6 +109,7 @@ TEST(RewriteFile, ChangesWhatTheWriterWouldWriteAnew) {
   EXPECT_EQ(readWhole(file), serialize(block, bodyAfter));
   ASSERT_EQ(block.taskEntries.size(), 2U);
   EXPECT_NE(block.taskEntries[0].hash, kept[0].hash);
+  EXPECT_EQ(block.taskEntries[0].id, kept[0].id);
   EXPECT_EQ(block.taskEntries[1], kept[1]);
   EXPECT_FALSE(renamed(file, "beds", "plot"));
 }
