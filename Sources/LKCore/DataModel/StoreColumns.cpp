@@ -27,8 +27,8 @@ bool holdsTextsOnly(const Json& container) {
 }
 
 template <typename Row, auto Member>
-Column<Row> columnOf(std::string names, LKParts part = LKParts::none) {
-  return {.names = std::move(names),
+Column<Row> columnOf(const std::string& names, LKParts part = LKParts::none) {
+  return {.names = names,
           .part = part,
           .take = [](RowReader& reader, Row& row) { reader.take(row.*Member); },
           .put = [](RowBinder& binder, const Row& row) { binder.put(row.*Member); },
