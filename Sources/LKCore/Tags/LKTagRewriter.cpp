@@ -100,9 +100,9 @@ std::optional<std::string> rewritten(std::string_view file, const fs::path& url,
   if (rawBody == note->rawBody && changed.tagRanks == note->frontMatter.tagRanks) {
     return std::nullopt;
   }
-  changed.taskEntries = deriveTaskEntriesInPlace(LKNoteEdit::bodyInMemory(note->rawBody),
-                                                 LKNoteEdit::bodyInMemory(rawBody),
-                                                 changed.taskEntries);
+  changed.taskEntries =
+      deriveTaskEntriesInPlace(LKNoteEdit::bodyInMemory(note->rawBody),
+                               LKNoteEdit::bodyInMemory(rawBody), changed.taskEntries);
   if (LKNoteFilename::isUUIDBasename(url.stem().string())) {
     changed.title = LKNoteFilename::displayName(url);
   }
