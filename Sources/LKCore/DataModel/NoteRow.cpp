@@ -35,18 +35,11 @@ bool isInTrash(const fs::path& url) {
   return std::find(url.begin(), url.end(), fs::path(".trash")) != url.end();
 }
 
-std::optional<std::string> statusOf(const LKFileFrontMatter& frontMatter) {
-  if (frontMatter.isArchived) return "archived";
-  const auto property = frontMatter.userProperties.find("status");
-  if (property == frontMatter.userProperties.end()) return std::nullopt;
-  return property->second;
-}
-
 void syncFrontMatter(LKNote& note, const LKFileFrontMatter& frontMatter, FieldUpdate& update,
                      LKNoteSyncChanges& changes) {
   update.set(note.isFavourite, frontMatter.isFavourite);
   update.set(note.isBook, frontMatter.isBook);
-  if (update.set(note.status, statusOf(frontMatter))) {
+  if (update.set(note.status, blockStatus(frontMatter))) {
     changes.statusBecameArchived = note.isArchived();
   }
   update.set(note.userProperties, frontMatter.userProperties);

@@ -32,8 +32,16 @@ TagRanks renamedRanks(const TagRanks& ranks, const KeyTransform& transform) {
   });
 }
 
-void logFailure(const fs::path& url, const Error& error) {
-  log::error("LKTagRewriter: " + url.string() + " keeps its tags: " + error.description());
+// Does one step of a change; a failure of it is logged in the step's words and goes on up.
+template <typename Step>
+auto logged(const char* failure, const fs::path& url, const Step& step) {
+  try {
+    return step();
+  } catch (const FileError& error) {
+    log::error("LKTagRewriter: " + std::string(failure) + " for " + url.string() + ": " +
+               error.description());
+    throw;
+  }
 }
 
 void renameIcons(const std::string& from, const std::string& to, bool isPrefix,
@@ -111,15 +119,19 @@ std::optional<std::string> rewritten(std::string_view file, const fs::path& url,
 
 namespace {
 
-// Throws FileError, and Error for a text that could not be written; the file is then as it was.
+// Throws FileError, PatternError, and Error for a text that could not be written; the file is then
+// as it was.
 bool changeFile(const fs::path& url, const Pattern& pattern, std::string_view replacement,
                 const KeyTransform& rankKeyTransform) {
-  const FileLock lock = FileLock::forUpdate(url);
+  const FileLock lock = logged("coordinator error", url, [&] { return FileLock::forUpdate(url); });
   const auto after = rewritten(readFile(lock.path()), url, pattern, replacement, rankKeyTransform);
   if (!after) return false;
-  if (!text::isValidUTF8(*after)) throw Error("The changed text is not UTF-8.");
+  if (!text::isValidUTF8(*after)) {
+    log::error("LKTagRewriter: serialize failed for " + url.string());
+    throw Error("The changed text is not UTF-8.");
+  }
   const LKOwnFileWrites::Scope inFlight(url);
-  LKFileWrite::atomically(*after, lock.path());
+  logged("write failed", url, [&] { LKFileWrite::atomically(*after, lock.path()); });
   return true;
 }
 
@@ -129,8 +141,7 @@ bool rewriteFile(const fs::path& url, const Pattern& pattern, std::string_view r
                  const KeyTransform& rankKeyTransform) {
   try {
     return changeFile(url, pattern, replacement, rankKeyTransform);
-  } catch (const Error& error) {
-    logFailure(url, error);
+  } catch (const Error&) {
     return false;
   }
 }
@@ -141,7 +152,6 @@ std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files
   std::vector<fs::path> changed;
   if (from.empty() || from == to) return changed;
   const auto fail = [&](const fs::path& url, const Error& error) {
-    logFailure(url, error);
     if (onFailure) onFailure(url, error);
   };
   const RenamePattern names = renamePattern(from, to, isPrefix);
@@ -149,6 +159,7 @@ std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files
   try {
     pattern.emplace(names.pattern);
   } catch (const PatternError& error) {
+    log::error("LKTagRewriter: #" + from + " cannot be looked for: " + error.description());
     for (const auto& [url, text] : files) fail(url, error);
     return changed;
   }
