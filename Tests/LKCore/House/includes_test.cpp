@@ -28,7 +28,8 @@ const std::vector<std::vector<std::string>> kFloors = {
     {"DataModel"},
     {"Backlinks", "CacheSync"},
     {"NoteRepository"},
-    {"DailyNotes"},
+    {"DailyNotes", "Properties", "Templates", "Queries", "Notifications", "Import", "Rendering",
+     "Bind"},
 };
 
 std::map<std::string, size_t> floorOfFolder() {
