@@ -21,4 +21,11 @@ std::filesystem::path dailyNoteURL(Day day, const std::filesystem::path& collect
 std::filesystem::path createIfNeeded(Day day, const std::filesystem::path& collection,
                                      const std::string& initialBody);
 
+// Adds the text at the end of the day's note, after a line feed or a blank line, and makes the
+// note with `seedBody` first when there is none. Gives the note's file. The body then ends in one
+// line feed. Throws what createIfNeeded and LKNoteFileService::updateNote throw.
+std::filesystem::path appendText(const std::string& text, Day day,
+                                 const std::filesystem::path& collection,
+                                 const std::string& seedBody, bool separatedByBlankLine);
+
 }  // namespace lk::LKDailyNoteService
