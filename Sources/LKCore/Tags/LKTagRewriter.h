@@ -57,8 +57,8 @@ std::optional<std::string> rewritten(std::string_view file, const std::filesyste
                                      const Pattern& pattern, std::string_view replacement,
                                      const KeyTransform& rankKeyTransform);
 
-// The same on the disk, under the file's lock, whole or not at all. True when the file changed. What
-// goes wrong is logged, and the file is as it was.
+// The same on the disk, under the file's lock, whole or not at all. True when the file changed. A
+// failed lock or write is logged, and the file is as it was.
 bool rewriteFile(const std::filesystem::path& url, const Pattern& pattern,
                  std::string_view replacement, const KeyTransform& rankKeyTransform);
 
@@ -67,7 +67,7 @@ using FileFailure = std::function<void(const std::filesystem::path& url, const E
 
 // Renames the icon or, with `isPrefix`, icons, and then in each of the files (file to its text as
 // the caller read it; the file is read again under its lock). Gives those that changed. Every
-// failure is logged and told to `onFailure`, and the rest goes on.
+// failure is told to `onFailure`, a failed lock or write is logged too, and the rest goes on.
 std::vector<std::filesystem::path> renameInFiles(
     const std::map<std::filesystem::path, std::string>& files, const std::string& from,
     const std::string& to, bool isPrefix,
