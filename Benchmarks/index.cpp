@@ -18,7 +18,7 @@
 #include "LKCore/Platform/FolderReader.h"
 #include "LKCore/Platform/FolderWalk.h"
 #include "LKCore/Tags/LKTagExtractor.h"
-#include "Support/GeneratedNotes.h"
+#include "Tools/GeneratedNotes.h"
 
 namespace {
 

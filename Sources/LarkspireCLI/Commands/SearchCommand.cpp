@@ -134,13 +134,15 @@ class ResultLines final : public ResultPrinter {
     for (int i = 0; i <= static_cast<int>(match.context.size()); ++i, ++number) {
       if (number <= printed || (next != 0 && number >= next)) continue;
       printed = number;
+      line_.assign("  line ").append(std::to_string(number));
       if (number == match.lineNumber) {
-        printLine("  line " + std::to_string(number) + ": " + highlighted(match.text));
+        appendHighlighted(match.text);
+        printLine(line_);
         continue;
       }
       const int at = number < match.lineNumber ? i : i - 1;
-      printLine(terminal_.in(TextStyle::dim, "  line " + std::to_string(number) + "- " +
-                                                 shown(match.context[static_cast<size_t>(at)])));
+      line_.append("- ").append(shown(match.context[static_cast<size_t>(at)]));
+      printLine(terminal_.in(TextStyle::dim, line_));
     }
   }
 
@@ -148,21 +150,23 @@ class ResultLines final : public ResultPrinter {
     return terminal_.styled ? withoutControls(text) : text;
   }
 
-  std::string highlighted(const std::string& line) {
-    if (!terminal_.styled) return line;
-    std::string text;
+  void appendHighlighted(const std::string& line) {
+    line_.append(": ");
     size_t end = 0;
-    for (const TextRange& range : search_.rangesIn(line)) {
-      text += withoutControls(line.substr(end, range.start - end));
-      text += terminal_.in(TextStyle::alert, withoutControls(range.of(line)));
-      end = range.end;
+    if (terminal_.styled) {
+      for (const TextRange& range : search_.rangesIn(line)) {
+        line_ += withoutControls(line.substr(end, range.start - end));
+        line_ += terminal_.in(TextStyle::alert, withoutControls(range.of(line)));
+        end = range.end;
+      }
     }
-    return text + withoutControls(line.substr(end));
+    line_ += shown(line.substr(end));
   }
 
   const std::string& query_;
   NoteSearch& search_;
   Terminal terminal_ = Terminal::ofStandardOutput();
+  std::string line_;  // as it is put together
 };
 
 // Searches the files in path order; how many have matches. Throws PatternError.

@@ -1,6 +1,7 @@
 #include "LarkspireCLI/Support/NoteSearch.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
@@ -12,9 +13,17 @@ namespace {
 
 // The line without its line feed that holds byte `at`.
 TextRange lineAround(std::string_view text, size_t at) {
-  const size_t before = at == 0 ? std::string_view::npos : text.rfind('\n', at - 1);
-  return {before == std::string_view::npos ? 0 : before + 1,
-          std::min(text.find('\n', at), text.size())};
+  const void* before = at == 0 ? nullptr : memrchr(text.data(), '\n', at);
+  const auto start = before == nullptr ? text.data() : static_cast<const char*>(before) + 1;
+  return {static_cast<size_t>(start - text.data()), std::min(text.find('\n', at), text.size())};
+}
+
+int countOfLineFeeds(std::string_view text) {
+  int count = 0;
+  for (size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1)) {
+    ++count;
+  }
+  return count;
 }
 
 std::string_view withoutCarriageReturn(std::string_view line) {
@@ -114,9 +123,7 @@ std::vector<MatchLine> NoteSearch::matchLines(std::string_view body,
   int number = 1;
   size_t counted = 0;
   for (const TextRange& line : lines) {
-    number +=
-        static_cast<int>(std::count(body.begin() + static_cast<std::ptrdiff_t>(counted),
-                                    body.begin() + static_cast<std::ptrdiff_t>(line.start), '\n'));
+    number += countOfLineFeeds(body.substr(counted, line.start - counted));
     counted = line.start;
     MatchLine match;
     match.lineNumber = number;

@@ -18,9 +18,9 @@
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Tags/LKTagIconStore.h"
 #include "Support/Child.h"
-#include "Support/GeneratedNotes.h"
 #include "Support/SlowReading.h"
 #include "Support/TempFolder.h"
+#include "Tools/GeneratedNotes.h"
 
 namespace lk {
 namespace {

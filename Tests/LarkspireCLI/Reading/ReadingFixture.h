@@ -15,43 +15,14 @@
 #include "LKCore/Base/Json.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/Collections/LKCollectionPath.h"
-#include "LKCore/DataModel/SQLiteStore.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
-#include "LKCore/NoteRepository/LKFileIndex.h"
 #include "LKCore/Platform/Files.h"
 #include "Support/Process.h"
 #include "Support/TempFolder.h"
+#include "Tools/PlantedStore.h"
 
 namespace lk::test {
-
-inline void copyRows(LKContext& from, LKContext& to) {
-  std::map<const LKNote*, LKNote*> copies;
-  for (const LKNote* note : from.notes().fetch()) {
-    LKNote copy = *note;
-    copy.tags.clear();
-    copy.tasks.clear();
-    copy.backLinks.clear();
-    copies[note] = &to.notes().insert(std::move(copy));
-  }
-  for (const LKTag* tag : from.tags().fetch()) {
-    LKTag copy = *tag;
-    copy.notes.clear();
-    LKTag& row = to.tags().insert(std::move(copy));
-    for (const LKNote* note : tag->notes) addTag(*copies.at(note), row);
-  }
-  for (const LKTask* task : from.tasks().fetch()) {
-    LKTask copy = *task;
-    copy.note = nullptr;
-    setNote(to.tasks().insert(std::move(copy)), copies.at(task->note));
-  }
-  for (const LKBackLink* link : from.backLinks().fetch()) {
-    LKBackLink copy = *link;
-    copy.note = nullptr;
-    setNote(to.backLinks().insert(std::move(copy)), copies.at(link->note));
-  }
-  to.save();
-}
 
 class Reading : public testing::Test {
  protected:
@@ -99,31 +70,12 @@ class Reading : public testing::Test {
     return found;
   }
 
-  std::filesystem::path appSupport() const {
-    return sandbox.home() /
-           "Library/Containers/com.larkspire.Larkspire-Mac/Data/Library/Application Support/"
-           "Larkspire";
-  }
   std::filesystem::path storePath() const {
-    return appSupport() / "caches" / (std::string(kCollectionID) + ".store");
-  }
-
-  // Makes the collection one that the application knows, without an index of it.
-  void registerWithApp() const {
-    std::filesystem::create_directories(storePath().parent_path());
-    writeWhole(
-        appSupport() / "collections.json",
-        printJson({{"collections",
-                    {{{"id", kCollectionID}, {"name", "Notes"}, {"path", notes().string()}}}}}));
+    return applicationStore(sandbox.home(), kCollectionID);
   }
 
   // The application's index, with what the files hold now.
-  void plantStore() const {
-    registerWithApp();
-    const auto index = LKFileIndex::build(notes(), LKParts::all);
-    const auto store = openStore(storePath());
-    copyRows(*index, *store);
-  }
+  void plantStore() const { plantApplication(sandbox.home(), notes(), kCollectionID); }
 
   static constexpr const char* kCollectionID = "6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F";
   static constexpr const char* kHint =

@@ -128,7 +128,7 @@ TEST_F(Index, ThatCannotBeUsedIsSaidOnceAndLeftAsItIs) {
        }},
   };
   for (const DamagedStore& each : cases) {
-    fs::remove_all(appSupport());
+    fs::remove_all(test::applicationSupport(sandbox.home()));
     plantStore();
     for (const char* companion : {"-wal", "-shm"}) fs::remove(storePath().string() + companion);
     each.damage(storePath());

@@ -175,7 +175,7 @@ TEST_F(Listing, DescribesWhereEverythingComesFrom) {
                 "  Launched from    : (no app — ssh, launchd or cron)\n"
                 "\nApp container registry (com.larkspire.Larkspire-Mac):\n"
                 "  Support dir      : " +
-                appSupport().string() +
+                test::applicationSupport(sandbox.home()).string() +
                 "\n"
                 "  (not found — the Larkspire app has never run on this Mac;\n"
                 "   commands read the note files instead.)\n"

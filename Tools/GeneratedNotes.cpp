@@ -1,4 +1,4 @@
-#include "Support/GeneratedNotes.h"
+#include "Tools/GeneratedNotes.h"
 
 #include <array>
 #include <cstdio>
