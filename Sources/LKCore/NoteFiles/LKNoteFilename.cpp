@@ -44,6 +44,12 @@ std::string_view withoutLeadingStops(std::string_view trimmed) {
 
 }  // namespace
 
+bool hasNoteExtension(std::string_view fileName) {
+  if (fileName.size() <= noteExtension.size()) return false;
+  const std::string_view extension = fileName.substr(fileName.size() - noteExtension.size());
+  return extension[0] == '.' && (extension[1] | 0x20) == 'm' && (extension[2] | 0x20) == 'd';
+}
+
 std::string displayName(const std::filesystem::path& url) {
   return displayNameOfBasename(url.stem().string());
 }

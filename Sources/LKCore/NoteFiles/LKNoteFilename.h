@@ -25,6 +25,11 @@ inline constexpr std::string_view illegalNameCharacters = ":/?*\"<>|\\#";
 // extensions and copy suffixes.
 inline constexpr size_t displayNameByteLimit = 200;
 
+inline constexpr std::string_view noteExtension = ".md";
+
+// True for the name of what may be a note file: something and then ".md" in any case.
+bool hasNoteExtension(std::string_view fileName);
+
 // The title that a file's name carries; "Untitled" for a UUID.
 std::string displayName(const std::filesystem::path& url);
 

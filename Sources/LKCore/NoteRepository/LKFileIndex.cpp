@@ -33,14 +33,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kNoteExtension = ".md";
-
 // --- Files ---------------------------------------------------------------------------------------
-
-bool hasNoteExtension(std::string_view name) {
-  return name.size() > kNoteExtension.size() &&
-         text::lowercased(name.substr(name.size() - kNoteExtension.size())) == kNoteExtension;
-}
 
 // Of what may be note files, relative to the folder and in order.
 std::vector<std::string> notePaths(const fs::path& folder) {
@@ -52,7 +45,8 @@ std::vector<std::string> notePaths(const fs::path& folder) {
       [&](const WalkEntry& entry) {
         const bool mayBeFile =
             entry.kind == WalkEntry::Kind::file || entry.kind == WalkEntry::Kind::symbolicLink;
-        if (mayBeFile && hasNoteExtension(entry.name)) paths.emplace_back(entry.relativePath);
+        if (mayBeFile && LKNoteFilename::hasNoteExtension(entry.name))
+          paths.emplace_back(entry.relativePath);
         return WalkStep::proceed;
       },
       options);
@@ -219,8 +213,8 @@ LKNote IndexBuild::rowOf(const std::string& path, const FolderReader::File& file
   const std::string_view name = nameOf(path);
   LKNote note;
   note.id = frontMatter.id;
-  note.title =
-      LKNoteFilename::displayNameOfBasename(name.substr(0, name.size() - kNoteExtension.size()));
+  note.title = LKNoteFilename::displayNameOfBasename(
+      name.substr(0, name.size() - LKNoteFilename::noteExtension.size()));
   note.fileURL.emplace(prefix_ + path);  // joined as text, so that a path is taken apart once
   note.setModifiedDate(file.modified);
   note.creationDate =

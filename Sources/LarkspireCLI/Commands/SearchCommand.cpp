@@ -36,17 +36,14 @@ bool carriesTag(const LKNote& note, const SearchCommand& command) {
       command.includeSubtags ? LKNoteFilters::TagMatch::subtree : LKNoteFilters::TagMatch::exact);
 }
 
-bool isMarkdownName(std::string_view name) {
-  return name.size() > 3 && text::lowercased(name.substr(name.size() - 3)) == ".md";
-}
-
 // The note files outside hidden folders, relative to the collection.
 std::vector<std::string> visibleFiles(const fs::path& collection) {
   std::vector<std::string> files;
   walkFolder(collection, [&](const WalkEntry& entry) {
     const bool isFile =
         entry.kind == WalkEntry::Kind::file || entry.kind == WalkEntry::Kind::symbolicLink;
-    if (isFile && isMarkdownName(entry.name)) files.emplace_back(entry.relativePath);
+    if (isFile && LKNoteFilename::hasNoteExtension(entry.name))
+      files.emplace_back(entry.relativePath);
     return WalkStep::proceed;
   });
   return files;

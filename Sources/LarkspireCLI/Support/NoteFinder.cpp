@@ -23,16 +23,15 @@ namespace {
 // More than any block but one with hundreds of tasks; those are read whole.
 constexpr size_t kBlockStart = size_t{16} * 1024;
 
-constexpr std::string_view kExtension = ".md";
-
 bool isNoteEntry(const WalkEntry& entry) {
-  return entry.name.ends_with(kExtension) && entry.name.size() > kExtension.size() &&
+  return LKNoteFilename::hasNoteExtension(entry.name) &&
          (entry.kind == WalkEntry::Kind::file || entry.kind == WalkEntry::Kind::symbolicLink);
 }
 
 // The display title behind a file name, without a path object for each of 100,000 names.
 std::string_view titleOf(std::string_view fileName) {
-  const std::string_view base = fileName.substr(0, fileName.size() - kExtension.size());
+  const std::string_view base =
+      fileName.substr(0, fileName.size() - LKNoteFilename::noteExtension.size());
   return LKNoteFilename::isUUIDBasename(base) ? std::string_view("Untitled") : base;
 }
 
@@ -93,7 +92,8 @@ std::optional<fs::path> placeOf(const LKNote& row, const fs::path& collection) {
     // The index may have come to the folder by another way.
     inside = resolved(*row.fileURL).lexically_relative(resolved(collection));
   }
-  if (inside.empty() || !inside.filename().string().ends_with(kExtension)) return std::nullopt;
+  if (inside.empty() || !LKNoteFilename::hasNoteExtension(inside.filename().string()))
+    return std::nullopt;
   for (auto part = inside.begin(); part != inside.end(); ++part) {
     const bool isDaily = part == inside.begin() && *part == ".daily";
     if (part->string().starts_with('.') && !isDaily) return std::nullopt;
@@ -121,7 +121,7 @@ std::optional<ResolvedNote> noteInRoot(const std::string& title, const fs::path&
   if (title.empty() || title.front() == '.' || title.find('/') != std::string::npos) {
     return std::nullopt;
   }
-  return resolvedNote(collection / (title + std::string(kExtension)));
+  return resolvedNote(collection / (title + std::string(LKNoteFilename::noteExtension)));
 }
 
 struct PartialMatch {

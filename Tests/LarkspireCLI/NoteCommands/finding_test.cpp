@@ -32,7 +32,7 @@ class Finding : public testing::Test {
     note(".trash/Trashed", 6);
     note("Trip.textbundle/Hidden in a package", 7);
     note("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F", 8);
-    test::writeWhole(folder / "Plain.md", "no block");
+    test::writeWhole(folder / "Plain.MD", "no block");
     fs::create_directory(folder / "Folder.md");
   }
 
@@ -66,7 +66,7 @@ TEST_F(Finding, PrefersTheExactTitleThenAnyCaseThenAPart) {
   EXPECT_EQ(found("CAFE\u0301"), "caf\u00E9.md");
   EXPECT_EQ(found("20260314"), ".daily/20260314.md");
   EXPECT_EQ(found("untitled"), "6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F.md");
-  EXPECT_EQ(found("Plain"), "Plain.md");
+  EXPECT_EQ(found("Plain"), "Plain.MD");
 }
 
 TEST_F(Finding, LeavesOutTrashPackagesFoldersAndWhatLiesOutside) {
