@@ -84,8 +84,8 @@ std::unordered_set<UUID> idsOf(const std::vector<TaskEntry>& entries) {
 }
 
 // The entry in `current` that is the task's.
-std::optional<size_t> placeOf(const UUID& id, const std::vector<TaskEntry>& current,
-                              const std::vector<TaskEntry>& stored) {
+std::optional<size_t> entryIndexOf(const UUID& id, const std::vector<TaskEntry>& current,
+                                   const std::vector<TaskEntry>& stored) {
   const auto now = std::ranges::find(current, id, &TaskEntry::id);
   if (now != current.end()) return static_cast<size_t>(now - current.begin());
   const auto before = std::ranges::find(stored, id, &TaskEntry::id);
@@ -119,7 +119,7 @@ size_t selectedEntry(std::string_view body, const std::vector<TaskEntry>& curren
                      const std::vector<TaskEntry>& stored, const TaskSelector& selector,
                      const std::string& title) {
   if (const auto* const wanted = std::get_if<TaskID>(&selector)) {
-    if (const auto place = placeOf(wanted->id, current, stored)) return *place;
+    if (const auto place = entryIndexOf(wanted->id, current, stored)) return *place;
     throw noSuchID("No task with id " + wanted->id.text() + " in " + title);
   }
   const std::string& substring = std::get<TaskText>(selector).substring;
@@ -219,7 +219,7 @@ std::vector<TaskEntry> entriesByLine(std::string_view body, const std::vector<Ta
 std::optional<size_t> locateTaskLine(std::string_view body, const std::vector<TaskEntry>& stored,
                                      const UUID& id) {
   const std::vector<TaskEntry> current = entriesByLine(body, stored);
-  const auto place = placeOf(id, current, stored);
+  const auto place = entryIndexOf(id, current, stored);
   if (!place) return std::nullopt;
   return static_cast<size_t>(current[*place].paragraphIndex);
 }
