@@ -13,6 +13,23 @@ namespace fs = std::filesystem;
 
 namespace {
 
+struct ChosenTask {
+  ResolvedNote note;
+  TaskSelector selector;
+};
+
+ChosenTask chosenTask(const TaskChoice& choice, const fs::path& collection,
+                      const GlobalOptions& options, CacheReader& cache) {
+  const TaskSelector selector = makeSelector(choice.text, choice.id);
+  requireWritable(collection);
+  return {resolveTaskNote(choice.note, selector, collection, options, cache), selector};
+}
+
+void reportTask(const GlobalOptions& options, const std::string& deed, const ChosenTask& chosen,
+                const UUID& task) {
+  printLine(OutputFormatter::formatTaskResult(deed + " " + chosen.note.title, task, options.json));
+}
+
 void transition(const TaskChoice& task, const GlobalOptions& options, TaskStatus to,
                 const std::string& deed) {
   const fs::path collection = resolvedCollection(options.collection, options.quiet);
@@ -42,11 +59,9 @@ void TaskChoice::declare(ArgumentList& arguments) {
 void TaskChoice::change(const fs::path& collection, const GlobalOptions& options,
                         CacheReader& cache, const std::string& deed,
                         const LineTransform& transform) const {
-  const TaskSelector selector = makeSelector(text, id);
-  requireWritable(collection);
-  const ResolvedNote found = resolveTaskNote(note, selector, collection, options, cache);
-  const UUID task = transformSelectedTask(found, selector, transform);
-  printLine(OutputFormatter::formatTaskResult(deed + " " + found.title, task, options.json));
+  const ChosenTask chosen = chosenTask(*this, collection, options, cache);
+  const UUID changed = transformSelectedTask(chosen.note, chosen.selector, transform);
+  reportTask(options, deed, chosen, changed);
 }
 
 void TasksCompleteCommand::run() {
@@ -67,13 +82,10 @@ void TasksResetCommand::run() {
 
 void TasksRemoveCommand::run() {
   const fs::path collection = resolvedCollection(options.collection, options.quiet);
-  const TaskSelector selector = makeSelector(task.text, task.id);
-  requireWritable(collection);
   CacheReader cache(LKParts::tasks);
-  const ResolvedNote found = resolveTaskNote(task.note, selector, collection, options, cache);
-  const UUID removed = removeSelectedTask(found, selector);
-  printLine(
-      OutputFormatter::formatTaskResult("Removed task from " + found.title, removed, options.json));
+  const ChosenTask chosen = chosenTask(task, collection, options, cache);
+  reportTask(options, "Removed task from", chosen,
+             removeSelectedTask(chosen.note, chosen.selector));
 }
 
 }  // namespace lk
