@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <optional>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/Navigation/LKProjectStore.h"
@@ -22,7 +23,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string quotedName(const std::string& name) {
+std::string quotedProject(const std::string& name) {
   return "“" + name + "”";
 }
 
@@ -34,7 +35,7 @@ void reportProjects(const GlobalOptions& options, const std::string& deed, const
                               countOf(done.counts.tagHits, "tag") + ", " +
                               countOf(done.counts.metaHits, "task") + ").");
   }
-  done.kept.refuse("project " + quotedName(name), advice);
+  done.kept.refuse("project " + quotedProject(name), advice);
 }
 
 // Runs the change of the registry, which comes last. True when it knew the project.
@@ -48,7 +49,7 @@ bool changeRegistry(const std::function<bool()>& change) {
 
 void refuseUnused(const RewrittenNotes& done, bool wasRegistered, const std::string& name) {
   if (done.files == 0 && done.kept.empty() && !wasRegistered) {
-    throw CLIError::general("No note uses the project " + quotedName(name) + ".");
+    throw CLIError::general("No note uses the project " + quotedProject(name) + ".");
   }
 }
 
@@ -95,8 +96,9 @@ void ProjectsRenameCommand::run() {
   const bool wasRegistered = changeRegistry(
       [&] { return includeSubtree ? store.renameSubtree(from, to) : store.rename(from, to); });
   refuseUnused(done, wasRegistered, from);
-  reportProjects(options, "Renamed project " + quotedName(from) + " → " + quotedName(to) + " in",
-                 from, done, "Re-run to rename the rest.");
+  reportProjects(options,
+                 "Renamed project " + quotedProject(from) + " → " + quotedProject(to) + " in", from,
+                 done, "Re-run to rename the rest.");
 }
 
 void ProjectsStripCommand::declare(ArgumentList& arguments) {
@@ -116,7 +118,7 @@ void ProjectsStripCommand::run() {
   const bool wasRegistered =
       changeRegistry([&] { return LKProjectStore::shared().remove(names[0]); });
   refuseUnused(done, wasRegistered, names[0]);
-  reportProjects(options, "Stripped project " + quotedName(names[0]) + " from", names[0], done,
+  reportProjects(options, "Stripped project " + quotedProject(names[0]) + " from", names[0], done,
                  "Re-run to strip the rest.");
 }
 

@@ -14,11 +14,11 @@ namespace {
 
 using GroupNames = std::vector<std::string>;
 
-GroupNames projectOf(const LKTask& task) {
+GroupNames projectGroups(const LKTask& task) {
   return task.project && !task.project->empty() ? GroupNames{*task.project} : GroupNames{};
 }
 
-GroupNames contextsOf(const LKTask& task) {
+GroupNames contextGroups(const LKTask& task) {
   GroupNames names;
   for (const std::string& context : task.contexts) {
     names.push_back(LKTaskContextStore::normalised(context));
@@ -44,7 +44,7 @@ void TasksProjectsCommand::declare(ArgumentList& /*arguments*/) {}
 void TasksProjectsCommand::run() {
   CacheReader cache(LKParts::tasks);
   const auto tasks = tasksToGroup(options, cache, "Project");
-  printLine(formatTaskGroups(taskGroups(tasks, projectOf, Instant::now()), "project",
+  printLine(formatTaskGroups(taskGroups(tasks, projectGroups, Instant::now()), "project",
                              "No projects found.", options.json, Terminal::ofStandardOutput()));
 }
 
@@ -53,7 +53,7 @@ void TasksContextsCommand::declare(ArgumentList& /*arguments*/) {}
 void TasksContextsCommand::run() {
   CacheReader cache(LKParts::tasks);
   const auto tasks = tasksToGroup(options, cache, "Context");
-  printLine(formatTaskGroups(taskGroups(tasks, contextsOf, Instant::now()), "context",
+  printLine(formatTaskGroups(taskGroups(tasks, contextGroups, Instant::now()), "context",
                              "No contexts found.", options.json, Terminal::ofStandardOutput()));
 }
 

@@ -22,7 +22,7 @@ void refuseSetAndClear(bool isSet, bool isCleared, const std::string& name) {
   }
 }
 
-std::string joinedNames(const std::vector<std::string>& names) {
+std::string contextList(const std::vector<std::string>& names) {
   std::string list;
   for (const std::string& name : names) list += (list.empty() ? "" : ",") + name;
   return list;
@@ -66,7 +66,7 @@ class TaskAmendment {
     if (project_) changed = TaskLineEdits::setMetaToken(changed, keywords.front(), *project_);
     const bool clearsContexts = command_.clearContext || !contexts_.empty();
     if (clearsContexts) changed = TaskLineEdits::clearMetaToken(changed, "contexts");
-    replace("context", clearsContexts, joinedNames(contexts_));
+    replace("context", clearsContexts, contextList(contexts_));
     return changed;
   }
 

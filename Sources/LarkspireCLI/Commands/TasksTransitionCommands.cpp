@@ -30,8 +30,8 @@ void reportTask(const GlobalOptions& options, const std::string& deed, const Cho
   printLine(OutputFormatter::formatTaskResult(deed + " " + chosen.note.title, task, options.json));
 }
 
-void transition(const TaskChoice& task, const GlobalOptions& options, TaskStatus to,
-                const std::string& deed) {
+void transitionTask(const TaskChoice& task, const GlobalOptions& options, TaskStatus to,
+                    const std::string& deed) {
   const fs::path collection = resolvedCollection(options.collection, options.quiet);
   const Day today = Day::local(Instant::now());
   CacheReader cache(LKParts::tasks);
@@ -65,19 +65,19 @@ void TaskChoice::change(const fs::path& collection, const GlobalOptions& options
 }
 
 void TasksCompleteCommand::run() {
-  transition(task, options, TaskStatus::done, "Completed task in");
+  transitionTask(task, options, TaskStatus::done, "Completed task in");
 }
 
 void TasksCancelCommand::run() {
-  transition(task, options, TaskStatus::cancelled, "Cancelled task in");
+  transitionTask(task, options, TaskStatus::cancelled, "Cancelled task in");
 }
 
 void TasksProgressCommand::run() {
-  transition(task, options, TaskStatus::inProgress, "Set in-progress in");
+  transitionTask(task, options, TaskStatus::inProgress, "Set in-progress in");
 }
 
 void TasksResetCommand::run() {
-  transition(task, options, TaskStatus::notStarted, "Reset task in");
+  transitionTask(task, options, TaskStatus::notStarted, "Reset task in");
 }
 
 void TasksRemoveCommand::run() {

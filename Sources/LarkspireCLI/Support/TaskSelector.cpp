@@ -28,7 +28,7 @@ CLIError noSuchID(const std::string& message) {
 
 // "\n  FIRST\n  SECOND", cut short when there are very many.
 template <typename Items, typename Describe>
-std::string listed(const Items& items, const Describe& describe) {
+std::string listedMatches(const Items& items, const Describe& describe) {
   std::string lines;
   size_t count = 0;
   for (const auto& item : items) {
@@ -42,7 +42,7 @@ std::string listed(const Items& items, const Describe& describe) {
 
 // --- In the index --------------------------------------------------------------------------------
 
-ResolvedNote noteOf(const LKTask& task) {
+ResolvedNote noteOfTask(const LKTask& task) {
   return {*task.note->fileURL, task.note->id, task.note->title};
 }
 
@@ -70,14 +70,14 @@ CLIError ambiguousNotes(const std::string& substring, size_t noteCount,
                         const std::vector<LKTask*>& tasks) {
   return CLIError::general(
       "\"" + substring + "\" matches tasks in " + std::to_string(noteCount) +
-      " notes. Add --note or use --id:" + listed(tasks, [](const LKTask* task) {
+      " notes. Add --note or use --id:" + listedMatches(tasks, [](const LKTask* task) {
         return task->text + " — " + task->note->title + " (--id " + task->id.text() + ")";
       }));
 }
 
 // --- In the file ---------------------------------------------------------------------------------
 
-std::unordered_set<UUID> idsOf(const std::vector<TaskEntry>& entries) {
+std::unordered_set<UUID> idsOfEntries(const std::vector<TaskEntry>& entries) {
   std::unordered_set<UUID> ids;
   for (const TaskEntry& entry : entries) ids.insert(entry.id);
   return ids;
@@ -91,7 +91,8 @@ std::optional<size_t> entryIndexOf(const UUID& id, const std::vector<TaskEntry>&
   const auto before = std::ranges::find(stored, id, &TaskEntry::id);
   if (before == stored.end()) return std::nullopt;
   const auto ordinal = static_cast<size_t>(before - stored.begin());
-  const bool isTaken = ordinal >= current.size() || idsOf(stored).contains(current[ordinal].id);
+  const bool isTaken =
+      ordinal >= current.size() || idsOfEntries(stored).contains(current[ordinal].id);
   return isTaken ? std::nullopt : std::optional(ordinal);
 }
 
@@ -100,7 +101,7 @@ CLIError ambiguousTextError(std::string_view body, const std::vector<TaskEntry>&
                             const std::vector<size_t>& indices, const std::string& substring,
                             const std::string& title) {
   const std::vector<std::string_view> lines = text::split(body, '\n');
-  const std::unordered_set<UUID> lasting = idsOf(stored);
+  const std::unordered_set<UUID> lasting = idsOfEntries(stored);
   const auto described = [&](size_t index) {
     const auto entry =
         std::ranges::lower_bound(current, static_cast<int>(index), {}, &TaskEntry::paragraphIndex);
@@ -110,7 +111,7 @@ CLIError ambiguousTextError(std::string_view body, const std::vector<TaskEntry>&
   };
   return CLIError::general(
       std::to_string(indices.size()) + " tasks in " + title + " match \"" + substring +
-      "\" — refusing to guess." + listed(indices, described) +
+      "\" — refusing to guess." + listedMatches(indices, described) +
       "\nUse --id <uuid> or a more specific text (see `lk tasks list --json`).");
 }
 
@@ -134,7 +135,7 @@ size_t selectedEntry(std::string_view body, const std::vector<TaskEntry>& curren
 }
 
 // The bytes of a line, its line feed left out.
-TextRange lineAt(std::string_view body, int index) {
+TextRange taskLineRange(std::string_view body, int index) {
   size_t start = 0;
   for (; index > 0; --index) start = body.find('\n', start) + 1;
   return {start, std::min(body.find('\n', start), body.size())};
@@ -203,7 +204,7 @@ ResolvedNote resolveTaskNote(const std::optional<std::string>& note, const TaskS
   if (tasks.empty()) throw noTaskSelected(selector);
   std::set<const LKNote*> notes;
   for (const LKTask* task : tasks) notes.insert(task->note);
-  if (notes.size() == 1) return noteOf(*tasks.front());
+  if (notes.size() == 1) return noteOfTask(*tasks.front());
   const auto* const wantedText = std::get_if<TaskText>(&selector);
   const std::string shown =
       wantedText ? wantedText->substring : std::get<TaskID>(selector).id.text();
@@ -230,24 +231,23 @@ UUID transformSelectedTask(const ResolvedNote& note, const TaskSelector& selecto
                            const LineTransform& transform) {
   return changeSelected(
       note, selector, [&](std::string& body, const std::vector<TaskEntry>& entries, size_t chosen) {
-        const TextRange line = lineAt(body, entries[chosen].paragraphIndex);
+        const TextRange line = taskLineRange(body, entries[chosen].paragraphIndex);
         body.replace(line.start, line.length(), transform(line.of(body)));
       });
 }
 
 UUID removeSelectedTask(const ResolvedNote& note, const TaskSelector& selector) {
-  return changeSelected(note, selector,
-                        [](std::string& body, std::vector<TaskEntry>& entries, size_t chosen) {
-                          const TextRange line = lineAt(body, entries[chosen].paragraphIndex);
-                          if (line.end < body.size()) {
-                            body.erase(line.start, line.length() + 1);
-                          } else {
-                            body.erase(line.start == 0 ? 0 : line.start - 1);
-                          }
-                          entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(chosen));
-                          for (size_t i = chosen; i < entries.size(); ++i)
-                            --entries[i].paragraphIndex;
-                        });
+  return changeSelected(
+      note, selector, [](std::string& body, std::vector<TaskEntry>& entries, size_t chosen) {
+        const TextRange line = taskLineRange(body, entries[chosen].paragraphIndex);
+        if (line.end < body.size()) {
+          body.erase(line.start, line.length() + 1);
+        } else {
+          body.erase(line.start == 0 ? 0 : line.start - 1);
+        }
+        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(chosen));
+        for (size_t i = chosen; i < entries.size(); ++i) --entries[i].paragraphIndex;
+      });
 }
 
 UUID appendTask(const ResolvedNote& note, const std::string& line) {

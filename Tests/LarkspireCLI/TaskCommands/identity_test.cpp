@@ -121,7 +121,7 @@ class TaskIdentity : public test::Reading {
     const std::string words = addsTask ? "Outside " + std::to_string(++made_) : "plain";
     lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at),
                  addsTask ? "- [ ] " + words : words);
-    if (addsTask) in.tasks.insert(in.tasks.begin() + tasksBefore, {std::nullopt, words});
+    if (addsTask) in.tasks.insert(in.tasks.begin() + tasksBefore, ModelTask{std::nullopt, words});
     std::string changed = bytes.substr(0, bodyStart);
     for (size_t i = 0; i < lines.size(); ++i) {
       const bool isDated = lines[i].starts_with("- [") && upTo(4) == 0;
