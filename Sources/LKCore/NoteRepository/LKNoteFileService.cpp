@@ -70,6 +70,7 @@ LKParsedDocument applyChange(const fs::path& url, const NoteChange& change) {
   LKParsedDocument document = readDocument(lock.path(), url);
   LKFileFrontMatter& frontMatter = document.frontMatter;
   std::string body = normaliseIndentation(document.body);
+  if (change.documentTransform) change.documentTransform(body, frontMatter);
   if (change.bodyTransform) body = change.bodyTransform(std::move(body));
   applyProperties(frontMatter.userProperties, change.propertyUpdates);
   if (change.isFavourite) frontMatter.isFavourite = *change.isFavourite;

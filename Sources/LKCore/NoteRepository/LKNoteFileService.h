@@ -46,6 +46,9 @@ struct NoteChange {
   std::optional<bool> isFavourite;
   // What the fields above do not reach, applied after them.
   std::function<void(LKFileFrontMatter&)> blockTransform;
+  // What must see body and block together, applied before all of them. The task entries that it
+  // leaves say which line has which id: one without a hash belongs to the task line at its index.
+  std::function<void(std::string& body, LKFileFrontMatter&)> documentTransform;
 };
 
 namespace LKNoteFileService {

@@ -148,7 +148,8 @@ bool rewriteFile(const fs::path& url, const Pattern& pattern, std::string_view r
 
 std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files,
                                     const std::string& from, const std::string& to, bool isPrefix,
-                                    const LKTagIconStore& icons, const FileFailure& onFailure) {
+                                    const LKTagIconStore& icons, const FileFailure& onFailure,
+                                    const FileProgress& onProgress) {
   std::vector<fs::path> changed;
   if (from.empty() || from == to) return changed;
   const auto fail = [&](const fs::path& url, const Error& error) {
@@ -165,12 +166,15 @@ std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files
   }
   const KeyTransform rankKeys = rankKeyTransform(from, to);
   renameIcons(from, to, isPrefix, icons);
+  size_t done = 0;
   for (const auto& [url, text] : files) {
     try {
       if (changeFile(url, *pattern, names.replacement, rankKeys)) changed.push_back(url);
     } catch (const Error& error) {
       fail(url, error);
     }
+    ++done;
+    if (onProgress) onProgress(done);
   }
   return changed;
 }

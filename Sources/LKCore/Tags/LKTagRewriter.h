@@ -7,6 +7,7 @@
 //
 // Names are without "#", and such as LKTagNameRules lets stand.
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -65,6 +66,9 @@ bool rewriteFile(const std::filesystem::path& url, const Pattern& pattern,
 // Hears of a file that could not be changed and keeps its tags.
 using FileFailure = std::function<void(const std::filesystem::path& url, const Error& error)>;
 
+// Hears how many of the files are done, changed or not.
+using FileProgress = std::function<void(size_t done)>;
+
 // Renames the icon or, with `isPrefix`, icons, and then in each of the files (file to its text as
 // the caller read it; the file is read again under its lock). Gives those that changed. Every
 // failure is told to `onFailure`, a failed lock or write is logged too, and the rest goes on.
@@ -72,7 +76,7 @@ std::vector<std::filesystem::path> renameInFiles(
     const std::map<std::filesystem::path, std::string>& files, const std::string& from,
     const std::string& to, bool isPrefix,
     const LKTagIconStore& icons = LKTagIconStore::ofActiveCollection(),
-    const FileFailure& onFailure = {});
+    const FileFailure& onFailure = {}, const FileProgress& onProgress = {});
 
 // --- In the cache --------------------------------------------------------------------------------
 

@@ -20,10 +20,12 @@
 #include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/FileScan.h"
+#include "LarkspireCLI/Support/KeptNotes.h"
 #include "LarkspireCLI/Support/NoteOrder.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/OutputFormatter.h"
+#include "LarkspireCLI/Support/Progress.h"
 #include "LarkspireCLI/Support/TagArgument.h"
 
 namespace lk {
@@ -64,23 +66,6 @@ TagUse scan(const fs::path& collection, const std::string& tag) {
   }
   use.allTags.assign(all.begin(), all.end());
   return use;
-}
-
-// "/notes/Plan.md: No space left on device".
-std::string failureOf(const fs::path& url, const Error& error) {
-  const bool namesFile = error.description().find(url.string()) != std::string::npos;
-  return namesFile ? error.description() : url.string() + ": " + error.description();
-}
-
-std::string reportOf(const std::vector<std::string>& failures, const std::string& tag) {
-  constexpr size_t kNamed = 10;
-  std::string report = std::to_string(failures.size()) + " note" +
-                       (failures.size() == 1 ? " keeps" : "s keep") + " #" + tag + ":";
-  for (size_t i = 0; i < std::min(kNamed, failures.size()); ++i) report += "\n  " + failures[i];
-  if (failures.size() > kNamed) {
-    report += "\n  and " + std::to_string(failures.size() - kNamed) + " more";
-  }
-  return report + "\n  Re-run with --merge to rename the rest.";
 }
 
 }  // namespace
@@ -155,17 +140,19 @@ void TagsRenameCommand::run() {
     throw CLIError::general("#" + collisions.front() + " already exists — renaming would merge #" +
                             from + " into it. Re-run with --merge to do that.");
   }
-  std::vector<std::string> failures;
+  KeptNotes kept;
+  Progress progress("Changing notes:", options.quiet);
   const auto changed = LKTagRewriter::renameInFiles(
       use.files, from, to, LKTagRewriter::isPrefix(from, use.allTags),
       LKTagIconStore::ofActiveCollection(),
-      [&](const fs::path& url, const Error& error) { failures.push_back(failureOf(url, error)); });
-  if (failures.empty() || !changed.empty()) {
+      [&](const fs::path& url, const Error& error) { kept.add(url, error); },
+      [&](size_t done) { progress.show(done, use.files.size()); });
+  progress.clear();
+  if (kept.empty() || !changed.empty()) {
     printMessage(options, (collisions.empty() ? "Renamed #" : "Merged #") + from + " → #" + to +
-                              " in " + std::to_string(changed.size()) + " note" +
-                              (changed.size() == 1 ? "." : "s."));
+                              " in " + countOf(changed.size(), "note") + ".");
   }
-  if (!failures.empty()) throw CLIError::writeFailed(reportOf(failures, from));
+  kept.refuse("#" + from, "Re-run with --merge to rename the rest.");
 }
 
 }  // namespace lk

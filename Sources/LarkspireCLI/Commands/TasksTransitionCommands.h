@@ -1,11 +1,15 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
 #include "LarkspireCLI/Support/Command.h"
+#include "LarkspireCLI/Support/TaskSelector.h"
 
 namespace lk {
+
+class CacheReader;
 
 // What the commands take that act on one task of a note.
 struct TaskChoice {
@@ -14,6 +18,11 @@ struct TaskChoice {
   std::optional<std::string> id;
 
   void declare(ArgumentList& arguments);
+
+  // Puts what `transform` makes of the task's line in its place and reports "DEED Groceries".
+  // `collection` is resolved; `cache` reads tasks. Throws CLIError.
+  void change(const std::filesystem::path& collection, const GlobalOptions& options,
+              CacheReader& cache, const std::string& deed, const LineTransform& transform) const;
 };
 
 // `lk tasks complete`
