@@ -28,7 +28,7 @@ namespace {
 // Without an index every list would be empty, and refreshing a block would take away what is there.
 void requireIndex(CacheReader& cache) {
   if (cache.container() == nullptr) {
-    throw CLIError::general("The collection's notes could not be read. Nothing was changed.");
+    throw CLIError::general("The collection's notes could not be read.");
   }
 }
 

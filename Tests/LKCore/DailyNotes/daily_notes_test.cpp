@@ -83,11 +83,9 @@ TEST_F(DailyNotes, BelongToTheLocalDayAndKeepItInEveryZone) {
   const std::vector<std::tuple<const char*, const char*, std::string>> moments = {
       {"PST8PDT,M3.2.0,M11.1.0", "2026-03-15T06:30:00Z", "20260314"},  // 23:30
       {"XXX-14", "2026-03-13T10:00:00Z", "20260314"},                  // midnight
-      {"XXX-14", "2026-03-13T09:59:59Z", "20260313"},
-      {kCentralEurope, "2026-03-28T23:00:00Z", "20260329"},  // a day of 23 hours
-      {kCentralEurope, "2026-10-25T22:59:59Z", "20261025"},  // the end of one of 25
+      {kCentralEurope, "2026-03-28T23:00:00Z", "20260329"},            // a day of 23 hours
+      {kCentralEurope, "2026-10-25T22:59:59Z", "20261025"},            // the end of one of 25
       {"YYY+11", "2028-03-01T10:00:00Z", "20280229"},
-      {"UTC", "2025-12-31T23:59:59Z", "20251231"},
   };
   for (const auto& [zone, moment, key] : moments) {
     setZone(zone);
@@ -108,8 +106,6 @@ TEST_F(DailyNotes, AreSpokenOfAsSeenFromNow) {
       {kDay, "2026-03-15T04:59:59Z", "today's daily note"},
       {kDay, "2026-03-15T05:00:00Z", "yesterday's daily note"},
       {kDay, "2026-03-14T04:59:59Z", "tomorrow's daily note"},
-      {{2025, 12, 31}, "2026-01-01T12:00:00Z", "yesterday's daily note"},
-      {kDay, "2026-03-16T05:00:00Z", "the daily note for Saturday 14 March 2026"},
       {{2028, 2, 29}, "2026-03-16T05:00:00Z", "the daily note for Tuesday 29 February 2028"},
   };
   for (const auto& [day, now, name] : cases) EXPECT_EQ(daily::spokenName(day, at(now)), name);
@@ -184,17 +180,17 @@ TEST_F(DailyNotes, BeginWithWhatTheUserChose) {
   const std::string heading = "# Saturday 14 March 2026\n\n";
   const std::string sections = daily::taskSections(kDay, tasks);
   const Instant now = at("2026-03-14T12:00:00Z");
-  const std::string quiet = kOpen +
-                            "## Activity\n\n*Activity summary — updated 12:00 PM*\n\n"
-                            "*No note activity on this day.*\n\n" +
-                            kClose + "\n";
-  const std::vector<std::pair<std::optional<int64_t>, std::string>> cases = {
-      {std::nullopt, heading},         {0, heading}, {1, heading + sections},
-      {2, heading + sections + quiet}, {3, heading}, {-1, heading}};
-  for (const auto& [raw, body] : cases) {
-    EXPECT_EQ(daily::startingBody(kDay, dailySeed(raw), tasks, {}, "\n\n", now), body)
-        << raw.value_or(-9);
+  const auto seeded = [&](std::optional<int64_t> raw) {
+    return daily::startingBody(kDay, dailySeed(raw), tasks, {}, "\n\n", now);
+  };
+  for (const auto& raw : std::vector<std::optional<int64_t>>{std::nullopt, -1, 0, 3}) {
+    EXPECT_EQ(seeded(raw), heading);
   }
+  EXPECT_EQ(seeded(1), heading + sections);
+  EXPECT_EQ(seeded(2), heading + sections + kOpen +
+                           "## Activity\n\n*Activity summary — updated 12:00 PM*\n\n"
+                           "*No note activity on this day.*\n\n" +
+                           kClose + "\n");
 }
 
 struct PlaceCase {
@@ -212,7 +208,6 @@ TEST_F(DailyNotes, FindTheirTaskBlockAndNothingElse) {
   const std::string similar = kOpen + "## Overdue books\n" + kClose;
   const std::vector<PlaceCase> cases = {
       {"an empty body", "", block + "\n", ""},
-      {"a heading", "# H", "# H\n\n" + block + "\n", "# H"},
       {"blank lines behind the first", "# H\n\n\n\nx", "# H\n\n" + block + "\n\nx", "# H\n\n\n\nx"},
       {"in the middle", "# H\n" + old + "\n\n\ny", "# H\n" + block + "\n\n\ny", "# H\n\ny"},
       {"at the end", "x\n\n" + old, "x\n\n" + block, "x\n"},
