@@ -64,6 +64,16 @@ LKFileFrontMatter frontMatterFor(const NewNote& note, const std::string& baseNam
   return frontMatter;
 }
 
+// Brings the block into line with the body and writes both.
+void writeDocument(LKParsedDocument& document, const fs::path& url, const FileLock& lock) {
+  LKFileFrontMatter& frontMatter = document.frontMatter;
+  frontMatter.taskEntries = deriveTaskEntries(document.body, frontMatter.taskEntries);
+  frontMatter.title = LKNoteFilename::displayName(url);
+  const std::string file = serialize(frontMatter, document.body);
+  assertEncodable(file);
+  LKFileWrite::atomically(file, lock.path());
+}
+
 // Under the file's lock. Gives what was written.
 LKParsedDocument applyChange(const fs::path& url, const NoteChange& change) {
   const FileLock lock = FileLock::forUpdate(url);
@@ -75,12 +85,8 @@ LKParsedDocument applyChange(const fs::path& url, const NoteChange& change) {
   applyProperties(frontMatter.userProperties, change.propertyUpdates);
   if (change.isFavourite) frontMatter.isFavourite = *change.isFavourite;
   if (change.blockTransform) change.blockTransform(frontMatter);
-  frontMatter.taskEntries = deriveTaskEntries(body, frontMatter.taskEntries);
-  frontMatter.title = LKNoteFilename::displayName(url);
-  const std::string file = serialize(frontMatter, body);
-  assertEncodable(file);
-  LKFileWrite::atomically(file, lock.path());
   document.body = std::move(body);
+  writeDocument(document, url, lock);
   return document;
 }
 
@@ -125,6 +131,20 @@ void updateNote(const fs::path& url, const NoteChange& change) {
   assertWritable(url);
   const LKParsedDocument written = applyChange(url, change);
   updateTasksInCache(url, written.frontMatter.id, written.body, written.frontMatter.taskEntries);
+}
+
+bool updateBody(const fs::path& url,
+                const std::function<std::string(const std::string&)>& transform) {
+  assertWritable(url);
+  std::optional<FileLock> lock = FileLock::forUpdate(url);
+  LKParsedDocument document = readDocument(lock->path(), url);
+  std::string body = transform(document.body);
+  if (body == document.body) return false;
+  document.body = std::move(body);
+  writeDocument(document, url, *lock);
+  lock.reset();
+  updateTasksInCache(url, document.frontMatter.id, document.body, document.frontMatter.taskEntries);
+  return true;
 }
 
 void setFrontMatter(const fs::path& url, ModificationTime time,

@@ -64,6 +64,11 @@ std::filesystem::path createNote(const NewNote& note, const std::filesystem::pat
 
 void updateNote(const std::filesystem::path& url, const NoteChange& change);
 
+// Changes the body alone, as it is when read, and tells whether it did: one that comes back as it
+// was is not written.
+bool updateBody(const std::filesystem::path& url,
+                const std::function<std::string(const std::string& body)>& transform);
+
 enum class ModificationTime { changes, preserved };
 
 // Changes the block alone; the body stays as the file has it, byte for byte.

@@ -9,6 +9,7 @@
 #include "LKCore/Attachments/LKAttachmentTypes.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/LexParse/Lexer.h"
+#include "LKCore/LexParse/NoIndexMarkers.h"
 #include "LKCore/LexParse/TokenText.h"
 #include "LKCore/Tasks/LKTaskDue.h"
 #include "LKCore/Tasks/LKTaskPriority.h"
@@ -19,9 +20,6 @@ namespace lk {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::string_view kNoindexStart = "<!--lk:noindex-->";
-constexpr std::string_view kNoindexEnd = "<!--/lk:noindex-->";
 
 // --- Sets and names ------------------------------------------------------------------------------
 
@@ -373,7 +371,7 @@ namespace LKTagExtractor {
 ExtractionResult extract(std::string_view text,
                          const std::optional<std::filesystem::path>& attachmentsDirectory,
                          Instant now, std::shared_ptr<const LKProjectTermsSnapshot> projectTerms) {
-  const bool isMasked = text.find(kNoindexStart) != std::string_view::npos;
+  const bool isMasked = text.find(kNoIndexOpening) != std::string_view::npos;
   const std::string masked = isMasked ? maskNoindexRegions(text) : std::string();
   return TagExtraction(isMasked ? masked : text, attachmentsDirectory, now, std::move(projectTerms))
       .run();
@@ -385,15 +383,14 @@ ExtractionResult::Texts extractTags(std::string_view text) {
 
 std::string maskNoindexRegions(std::string_view text) {
   std::string masked;
-  if (text.find(kNoindexStart) == std::string_view::npos) return masked.append(text);
+  if (text.find(kNoIndexOpening) == std::string_view::npos) return masked.append(text);
   masked.reserve(text.size());
   bool isInRegion = false;
   for (size_t start = 0; start <= text.size();) {
     const size_t end = std::min(text.find('\n', start), text.size());
     const std::string_view line = text.substr(start, end - start);
-    const std::string_view trimmed = text::trimmedBlanks(line);
-    const bool isEnd = trimmed == kNoindexEnd;
-    isInRegion = (isInRegion && !isEnd) || trimmed == kNoindexStart;
+    const bool isEnd = closesNoIndexRegion(line);
+    isInRegion = (isInRegion && !isEnd) || opensNoIndexRegion(line);
     if (isInRegion || isEnd) {
       masked.append(text::scalarCount(line), ' ');
     } else {

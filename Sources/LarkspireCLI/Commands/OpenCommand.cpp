@@ -2,13 +2,12 @@
 
 #include <filesystem>
 
-#include "LKCore/Collections/LKCollectionStore.h"
 #include "LKCore/DailyNotes/LKDailyNoteService.h"
 #include "LKCore/Platform/Files.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/DailyBlockWriter.h"
 #include "LarkspireCLI/Support/DeepLink.h"
-#include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/RequiredNote.h"
 
@@ -18,22 +17,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kCannotCreateDaily =
-    "This collection is read-only. Daily notes cannot be created or modified.";
-
 UUID dailyNoteOf(Day day, const fs::path& collection) {
   const fs::path url = LKDailyNoteService::dailyNoteURL(day, collection);
-  if (!nameIsTaken(url)) requireWritable(collection, kCannotCreateDaily);
-  writeNotes([&] { LKDailyNoteService::createIfNeeded(day, collection, ""); }, kCannotCreateDaily);
+  if (!nameIsTaken(url)) DailyBlockWriter::requireWritableDailyNotes(collection);
+  DailyBlockWriter::writeDailyNote(
+      [&] { LKDailyNoteService::createIfNeeded(day, collection, ""); });
   const auto id = NoteFinder::identityOf(url);
   if (!id) throw CLIError::general("Failed to read daily note.");
   return *id;
-}
-
-std::optional<UUID> collectionID(const fs::path& folder) {
-  const auto record = LKCollectionStore::shared().collectionContaining(folder);
-  if (!record) return std::nullopt;
-  return record->id;
 }
 
 }  // namespace
@@ -46,11 +37,11 @@ void OpenCommand::declare(ArgumentList& arguments) {
 void OpenCommand::run() {
   if (daily) {
     const fs::path collection = resolvedCollection(options.collection, options.quiet);
-    openDeepLink(dailyNoteOf(Day::local(Instant::now()), collection), collectionID(collection));
+    openNoteIn(collection, dailyNoteOf(Day::local(Instant::now()), collection));
   } else {
     const auto [collection, found] =
         requireNote(options, note, "Provide a note title, --id UUID, or --daily.");
-    openDeepLink(found.id, collectionID(collection));
+    openNoteIn(collection, found.id);
   }
   printMessage(options, "Opened in Larkspire.");
 }

@@ -1,63 +1,16 @@
 #include "LarkspireCLI/Commands/ShowCommand.h"
 
-#include <algorithm>
-#include <filesystem>
+#include <string>
 
-#include "LKCore/Base/Json.h"
-#include "LKCore/Base/Text.h"
-#include "LKCore/NoteFiles/LKFileFrontMatter.h"
-#include "LKCore/NoteFiles/LKSyncError.h"
-#include "LKCore/Platform/Files.h"
-#include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CacheReader.h"
-#include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/OutputFormatter.h"
 #include "LarkspireCLI/Support/RequiredNote.h"
+#include "LarkspireCLI/Support/ShownNote.h"
 
 namespace lk {
 
-namespace fs = std::filesystem;
-
 namespace {
-
-struct ShownNote {
-  LKParsedDocument document;
-  std::string title;
-  FileInfo info;
-};
-
-ShownNote load(const ResolvedNote& note) {
-  ShownNote shown;
-  shown.title = note.title;
-  std::string bytes;
-  try {
-    bytes = readFile(note.url);
-    shown.info = fileInfo(note.url).value_or(FileInfo{});
-  } catch (const FileError& error) {
-    throw CLIError::general("Could not read " + error.description());
-  }
-  shown.info.size = bytes.size();
-  if (!text::isValidUTF8(bytes)) throw notANote(note.url, bytes);
-  try {
-    shown.document = parseDocument(bytes);
-  } catch (const LKSyncError&) {
-    throw notANote(note.url, bytes);
-  }
-  return shown;
-}
-
-std::string jsonOf(const ShownNote& note, bool withBody) {
-  const LKFileFrontMatter& block = note.document.frontMatter;
-  Json json = {{"id", block.id.text()},
-               {"title", note.title},
-               {"created", formatISO8601(block.created)},
-               {"modified", formatISO8601(note.info.modified)},
-               {"size", note.info.size},
-               {"properties", Json(block.userProperties)}};
-  if (withBody) json["body"] = note.document.body;
-  return printJson(json);
-}
 
 std::string headOf(const ShownNote& note) {
   const LKFileFrontMatter& block = note.document.frontMatter;
@@ -68,23 +21,6 @@ std::string headOf(const ShownNote& note) {
     head.append("\n").append(key).append(": ").append(value);
   }
   return head;
-}
-
-// The body as it stands; a line feed only where it ends without one.
-void printBody(const std::string& body) {
-  if (body.ends_with('\n')) {
-    printText(body);
-  } else {
-    printLine(body);
-  }
-}
-
-std::string tasksOf(const ResolvedNote& note, bool asJSON) {
-  CacheReader cache(LKParts::tasks);
-  const LKNote* row = cache.fetchNote(note.id);
-  std::vector<LKTask*> tasks = row != nullptr ? row->tasks : std::vector<LKTask*>();
-  std::ranges::stable_sort(tasks, {}, &LKTask::paragraphIndex);
-  return OutputFormatter::formatTaskList(tasks, asJSON, Terminal::ofStandardOutput());
 }
 
 std::string backlinksOf(const ResolvedNote& note, bool asJSON) {
@@ -104,9 +40,10 @@ void ShowCommand::declare(ArgumentList& arguments) {
 
 void ShowCommand::run() {
   const NoteInCollection found = requireNote(options, note, "Provide a note title or --id UUID.");
-  const ShownNote shown = load(found.note);
+  const ShownNote shown = loadNote(found.note.url, found.note.title);
   if (tasks || backlinks) {
-    printLine(tasks ? tasksOf(found.note, options.json) : backlinksOf(found.note, options.json));
+    printLine(tasks ? formatTasksOf(found.note.id, options.json)
+                    : backlinksOf(found.note, options.json));
     return;
   }
   if (options.json) {

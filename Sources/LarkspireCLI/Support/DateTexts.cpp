@@ -80,7 +80,7 @@ int64_t DateTexts::localOffset(int64_t seconds) {
 }
 
 std::string spelledOut(Day day) {
-  return capitalised(kWeekdayNames[weekdayOf(day)]) + ", " + std::to_string(day.day) + " " +
+  return capitalised(kWeekdayNames[weekdayOf(day)]) + " " + std::to_string(day.day) + " " +
          capitalised(kMonthNames[static_cast<size_t>(day.month - 1)]) + " " +
          std::to_string(day.year);
 }

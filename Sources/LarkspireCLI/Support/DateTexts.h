@@ -27,7 +27,7 @@ class DateTexts {
   std::unordered_map<int64_t, std::optional<int64_t>> offsets_;
 };
 
-// "Saturday, 14 March 2026".
+// "Saturday 14 March 2026".
 std::string spelledOut(Day day);
 
 }  // namespace lk

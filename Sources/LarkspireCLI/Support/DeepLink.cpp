@@ -1,5 +1,6 @@
 #include "LarkspireCLI/Support/DeepLink.h"
 
+#include "LKCore/Collections/LKCollectionStore.h"
 #include "LKCore/Platform/Opener.h"
 #include "LarkspireCLI/Support/CLIError.h"
 
@@ -17,6 +18,11 @@ void openDeepLink(const UUID& note, const std::optional<UUID>& collection) {
   } catch (const Error& error) {
     throw CLIError::general(error.description());
   }
+}
+
+void openNoteIn(const std::filesystem::path& collection, const UUID& note) {
+  const auto record = LKCollectionStore::shared().collectionContaining(collection);
+  openDeepLink(note, record ? std::optional(record->id) : std::nullopt);
 }
 
 }  // namespace lk

@@ -61,7 +61,7 @@ TEST_F(Formatter, WritesNotesAsRowsAndLines) {
   daily.dailyDate = Day{2026, 3, 14};
   EXPECT_EQ(OutputFormatter::formatNoteList({&plan, &daily}, false),
             "Plan \"A/B\" *  2026-03-14 09:26  #home #work/a  (1/3 tasks, 1 overdue)\n"
-            "Saturday, 14 March 2026  2026-03-14 09:26");
+            "Saturday 14 March 2026  2026-03-14 09:26");
   EXPECT_EQ(OutputFormatter::formatNoteList({&plan}, true),
             "[\n  {\n"
             "    \"activeTaskCount\" : 1,\n"

@@ -74,7 +74,7 @@ struct ReplyCase {
 TEST_F(Listing, AnswersInTheseWords) {
   const std::string plan =
       "Plan 10 *  2026-03-13 09:26  #Home #work/site  (1/2 tasks, 1 overdue)\n";
-  const std::string daily = "Tuesday, 10 March 2026  2026-03-10 09:26  #home\n";
+  const std::string daily = "Tuesday 10 March 2026  2026-03-10 09:26  #home\n";
   const std::string gone = "1 notes reference \"Plan 2\":\nGone (line 1): [[Plan 2]] #gone #work\n";
   const std::vector<ReplyCase> cases = {
       {"list|--include-daily", plan + "Plan 2  2026-03-12 09:26  #work  (1/1 tasks)\n" + daily},

@@ -53,9 +53,9 @@ TEST_F(Searching, PrintsTheLinesOfEachNoteInPathOrder) {
       {"a limit of notes", "words|--limit|1",
        "Nested\n  line 2: \tindented words\n1 notes with matches.\n"},
       {"notes of a tag, daily ones too", "words|--tag|work",
-       "Tuesday, 10 March 2026\n  line 1: words of the day #work\n1 notes with matches.\n"},
+       "Tuesday 10 March 2026\n  line 1: words of the day #work\n1 notes with matches.\n"},
       {"notes of a tag and those below", "words|--tag|#Work|--include-subtags",
-       "Tuesday, 10 March 2026\n  line 1: words of the day #work\n"
+       "Tuesday 10 March 2026\n  line 1: words of the day #work\n"
        "Nested\n  line 2: \tindented words\n2 notes with matches.\n"},
       {"nothing", "no such words", "No matches found for \"no such words\".\n"},
       {"nothing in JSON", "no such words|--json", "[]\n"},
