@@ -10,7 +10,8 @@ namespace {
 void requireValue(const LKTemplate& source, const LKTemplateParameter& parameter,
                   const std::string& value) {
   if (!parameter.required || !text::trimmed(value).empty()) return;
-  const std::string label = parameter.label == parameter.name ? "" : " (" + parameter.label + ")";
+  const bool hasLabel = !parameter.label.empty() && parameter.label != parameter.name;
+  const std::string label = hasLabel ? " (" + parameter.label + ")" : "";
   throw LKTemplateError("The template \"" + source.name + "\" needs a value for \"" +
                         parameter.name + "\"" + label + ".");
 }

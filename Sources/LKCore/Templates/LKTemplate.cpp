@@ -20,7 +20,7 @@ UUID readUUID(const std::string& text) {
   return *id;
 }
 
-Instant dateMember(const Json& object, const char* key) {
+Instant templateDate(const Json& object, const char* key) {
   const auto text = stringMember(object, key);
   if (!text) return {};
   const auto date = parseISO8601(*text);
@@ -88,7 +88,7 @@ Json encodeParameter(const LKTemplateParameter& parameter) {
           {"required", parameter.required}, {"autoTagNote", parameter.autoTagNote}};
 }
 
-void setIfThere(Json& object, const char* key, const std::optional<std::string>& value) {
+void setTextMember(Json& object, const char* key, const std::optional<std::string>& value) {
   if (value) object[key] = *value;
 }
 
@@ -102,8 +102,8 @@ LKTemplate decodeTemplate(const Json& document) {
   result.description = stringMember(document, "description");
   result.icon = stringMember(document, "icon");
   result.category = stringMember(document, "category");
-  result.createdDate = dateMember(document, "createdDate");
-  result.modifiedDate = dateMember(document, "modifiedDate");
+  result.createdDate = templateDate(document, "createdDate");
+  result.modifiedDate = templateDate(document, "modifiedDate");
   if (const Json* const parameters = listMember(document, "parameters")) {
     for (const Json& each : *parameters) result.parameters.push_back(decodeParameter(each));
   }
@@ -128,9 +128,9 @@ Json encodeTemplate(const LKTemplate& source) {
                  {"tags", source.tags},
                  {"titleTemplate", source.titleTemplate},
                  {"bodyTemplate", source.bodyTemplate}};
-  setIfThere(object, "description", source.description);
-  setIfThere(object, "icon", source.icon);
-  setIfThere(object, "category", source.category);
+  setTextMember(object, "description", source.description);
+  setTextMember(object, "icon", source.icon);
+  setTextMember(object, "category", source.category);
   return object;
 }
 

@@ -87,27 +87,23 @@ FilledTemplate filledTemplate(const CreateCommand& command) {
   }
 }
 
-std::map<std::string, std::string> checkedProperties(
-    const std::map<std::string, std::string>& ofTemplate,
-    const std::vector<std::string>& arguments) {
-  std::map<std::string, std::string> properties;
+// The template's first, so that the command line's win.
+std::vector<std::string> propertyArguments(const std::map<std::string, std::string>& ofTemplate,
+                                           const std::vector<std::string>& given) {
+  std::vector<std::string> arguments;
   for (const auto& [key, value] : ofTemplate) {
     if (key.find('=') != std::string::npos) {
       throw CLIError::propertyValidation("Property \"" + key + "\" of the template holds a \"=\".");
     }
-    const PropertyArgument property = PropertyArgument::parse(key + "=" + value);
-    properties[property.key] = property.value;
+    arguments.push_back(key + "=" + value);
   }
-  for (const std::string& argument : arguments) {
-    const PropertyArgument property = PropertyArgument::parse(argument);
-    properties[property.key] = property.value;
-  }
-  return properties;
+  arguments.insert(arguments.end(), given.begin(), given.end());
+  return arguments;
 }
 
 // Each tag once.
-std::vector<std::string> checkedTags(const std::vector<std::string>& ofTemplate,
-                                     const std::vector<std::string>& arguments) {
+std::vector<std::string> allTags(const std::vector<std::string>& ofTemplate,
+                                 const std::vector<std::string>& arguments) {
   std::vector<std::string> tags;
   for (const std::vector<std::string>* const list : {&ofTemplate, &arguments}) {
     for (const std::string& each : *list) {
@@ -153,8 +149,11 @@ void CreateCommand::run() {
   const bool hasTitle = !text::trimmed(title).empty();
   note.title = LKNoteFilename::sanitize(hasTitle ? title : given.title);
   if (note.title.empty()) throw CLIError::general("Invalid title after sanitisation.");
-  note.userProperties = checkedProperties(given.properties, properties);
-  const std::vector<std::string> readableTags = checkedTags(given.tags, tags);
+  for (const std::string& argument : propertyArguments(given.properties, properties)) {
+    const PropertyArgument property = PropertyArgument::parse(argument);
+    note.userProperties[property.key] = property.value;
+  }
+  const std::vector<std::string> readableTags = allTags(given.tags, tags);
   note.body = templateName ? given.body.text : bodySource(*this);
   addTags(note.body, readableTags);
   note.isFavourite = favourite;
