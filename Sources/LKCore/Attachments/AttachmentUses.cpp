@@ -33,7 +33,7 @@ AttachmentUses::AttachmentUses(const std::vector<std::string>& names) : count_(n
 
 size_t AttachmentUses::startKey(std::string_view text, size_t at) const {
   uint32_t key = 0;
-  for (size_t i = 0; i < startSize_; ++i) key = key * 257 + byteOf(text, at + i);
+  for (size_t i = 0; i < startSize_; ++i) key = key * 257U + byteOf(text, at + i);
   return ((key * 2'654'435'761U) >> 16U) % kStarts;
 }
 

@@ -1,7 +1,9 @@
 #include "LarkspireCLI/Commands/AttachmentsCommands.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "LKCore/Base/Json.h"

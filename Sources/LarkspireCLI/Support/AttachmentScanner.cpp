@@ -45,11 +45,15 @@ std::vector<AttachmentInfo> attachmentsIn(const fs::path& folder) {
   return attachments;
 }
 
-// A name that leads nowhere, or to a folder, is no note.
-bool isFileThere(const fs::path& path) {
+bool isNoteName(std::string_view name) {
+  return text::equalIgnoringCase(LKAttachmentTypes::pathExtension(name), "md");
+}
+
+// A name that leads nowhere holds nothing.
+bool mayHoldNotes(const fs::path& path) {
   try {
     const auto info = fileInfo(path);
-    return info && !info->isDirectory;
+    return info && (info->isDirectory || isNoteName(path.native()));
   } catch (const FileError&) {
     return true;
   }
@@ -72,19 +76,20 @@ std::vector<AttachmentInfo> scan(const fs::path& collection,
   WalkOptions options;
   options.hiddenFolders = {".daily", ".trash"};
   options.onProblem = [&](const WalkProblem& problem) {
+    if (!mayHoldNotes(collection / problem.relativePath)) return;
     onUnread(problem.relativePath.empty() ? "." : text::escapedInvalid(problem.relativePath));
   };
   const auto countIn = [&](const std::string& note) {
     if (const auto file = reader.read(note)) {
       for (const size_t used : uses.in(file->bytes)) ++attachments[used].refCount;
-    } else if (isFileThere(collection / note)) {
+    } else if (mayHoldNotes(collection / note)) {
       onUnread(note);
     }
   };
   walkFolder(
       collection,
       [&](const WalkEntry& entry) {
-        if (mayBeFile(entry) && entry.name.ends_with(".md")) {
+        if (mayBeFile(entry) && isNoteName(entry.name)) {
           countIn(std::string(entry.relativePath));
         }
         return WalkStep::proceed;
