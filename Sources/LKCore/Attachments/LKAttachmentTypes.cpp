@@ -1,20 +1,24 @@
 #include "LKCore/Attachments/LKAttachmentTypes.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "LKCore/Base/PercentDecoding.h"
+#include "LKCore/Base/Text.h"
 
 namespace lk::LKAttachmentTypes {
 
 namespace {
 
-constexpr std::array<std::string_view, 21> kOtherTypes = {
-    "pdf",  "doc", "docx", "xls", "xlsx", "ppt", "pptx", "odt", "ods",   "odp",    "rtf",
-    "epub", "csv", "tsv",  "zip", "mp4",  "mov", "m4v",  "key", "pages", "numbers"};
-
 constexpr auto kAllTypes = [] {
-  std::array<std::string_view, images.size() + audio.size() + kOtherTypes.size()> types{};
+  std::array<std::string_view,
+             images.size() + audio.size() + video.size() + documents.size() + archives.size()>
+      types{};
   auto* end = std::ranges::copy(images, types.begin()).out;
   end = std::ranges::copy(audio, end).out;
-  std::ranges::copy(kOtherTypes, end);
+  end = std::ranges::copy(video, end).out;
+  end = std::ranges::copy(documents, end).out;
+  std::ranges::copy(archives, end);
   return types;
 }();
 
@@ -47,6 +51,31 @@ bool isTemporaryFile(std::string_view name) {
 
 bool isImage(std::string_view reference) {
   return contains(images, pathExtension(reference.substr(0, reference.find('#'))));
+}
+
+std::optional<std::string> attachmentFilename(std::string_view reference) {
+  static constexpr std::array<std::string_view, 2> kWebSchemes = {"http://", "https://"};
+  static constexpr std::array<std::string_view, 4> kFolders = {
+      "larkspire-asset:///", "./attachments/", ".attachments/", "attachments/"};
+  for (const std::string_view scheme : kWebSchemes) {
+    const std::string_view start = reference.substr(0, scheme.size());
+    if (std::ranges::equal(start, scheme, {}, asciiLower)) return std::nullopt;
+  }
+  for (const std::string_view folder : kFolders) {
+    if (!reference.starts_with(folder)) continue;
+    reference.remove_prefix(folder.size());
+    break;
+  }
+  std::string decoded = percentDecoded(reference);
+  return text::isValidUTF8(decoded) ? std::move(decoded) : std::string(reference);
+}
+
+std::string markdownReference(std::string_view filename, std::string_view label,
+                              std::string_view pathPrefix) {
+  const bool isPicture = contains(images, pathExtension(filename));
+  std::string result = isPicture ? "![" : "[";
+  result += label.empty() && !isPicture ? filename : label;
+  return result.append("](").append(pathPrefix).append(filename).append(")");
 }
 
 }  // namespace lk::LKAttachmentTypes

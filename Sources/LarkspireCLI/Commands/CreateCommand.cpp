@@ -1,6 +1,8 @@
 #include "LarkspireCLI/Commands/CreateCommand.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 
 #include "LKCore/Base/Json.h"
 #include "LKCore/Base/Text.h"
@@ -8,6 +10,9 @@
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/NoteRepository/LKNoteFileService.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Templates/FilledTemplate.h"
+#include "LKCore/Templates/LKTemplateError.h"
+#include "LKCore/Templates/LKTemplateStore.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/DeepLink.h"
@@ -47,6 +52,68 @@ void addTags(std::string& body, const std::vector<std::string>& tags) {
   for (size_t i = 0; i < tags.size(); ++i) body += (i == 0 ? "#" : " #") + tags[i];
 }
 
+// Exactly so named, or else so named in another case.
+LKTemplate templateNamed(const std::string& name) {
+  const std::vector<LKTemplate> templates = LKTemplateStore::shared().loadAll();
+  for (const auto isSame : {text::equal, text::equalIgnoringCase}) {
+    for (const LKTemplate& each : templates) {
+      if (isSame(each.name, name)) return each;
+    }
+  }
+  throw CLIError::general("Template not found: " + name + ". Run `lk templates` to list them.");
+}
+
+LKTemplateResolver::Values valuesOf(const std::vector<std::string>& variables) {
+  LKTemplateResolver::Values values;
+  for (const std::string& argument : variables) {
+    const size_t equals = argument.find('=');
+    if (equals == std::string::npos) {
+      throw CLIError::general("\"" + argument +
+                              "\" is not a variable. Use key=value, e.g. topic=Plan.");
+    }
+    const std::string_view key = std::string_view(argument).substr(0, equals);
+    values[std::string(text::trimmed(key))] = argument.substr(equals + 1);
+  }
+  return values;
+}
+
+FilledTemplate filledTemplate(const CreateCommand& command) {
+  const LKTemplate source = templateNamed(*command.templateName);
+  try {
+    return filled(source, valuesOf(command.variables), Instant::now(), "");
+  } catch (const LKTemplateError& error) {
+    throw CLIError::general(error.description())
+        .withHint("Values are given with --variable key=value.");
+  }
+}
+
+// The template's first, so that the command line's win.
+std::vector<std::string> propertyArguments(const std::map<std::string, std::string>& ofTemplate,
+                                           const std::vector<std::string>& given) {
+  std::vector<std::string> arguments;
+  for (const auto& [key, value] : ofTemplate) {
+    if (key.find('=') != std::string::npos) {
+      throw CLIError::propertyValidation("Property \"" + key + "\" of the template holds a \"=\".");
+    }
+    arguments.push_back(key + "=" + value);
+  }
+  arguments.insert(arguments.end(), given.begin(), given.end());
+  return arguments;
+}
+
+// Each tag once.
+std::vector<std::string> allTags(const std::vector<std::string>& ofTemplate,
+                                 const std::vector<std::string>& arguments) {
+  std::vector<std::string> tags;
+  for (const std::vector<std::string>* const list : {&ofTemplate, &arguments}) {
+    for (const std::string& each : *list) {
+      std::string tag = TagArgument::readable(each);
+      if (!std::ranges::count(tags, tag)) tags.push_back(std::move(tag));
+    }
+  }
+  return tags;
+}
+
 std::string bodySource(const CreateCommand& command) {
   if (command.from) return importedBody(*command.from);
   if (command.content) return withLineFeeds(*command.content);
@@ -77,17 +144,17 @@ void CreateCommand::declare(ArgumentList& arguments) {
 void CreateCommand::run() {
   const fs::path collection = resolvedCollection(options.collection, options.quiet);
   requireWritable(collection, kCannotCreate);
-  if (templateName) throwComesLater("create --template");
+  const FilledTemplate given = templateName ? filledTemplate(*this) : FilledTemplate{};
   NewNote note;
-  note.title = LKNoteFilename::sanitize(title);
+  const bool hasTitle = !text::trimmed(title).empty();
+  note.title = LKNoteFilename::sanitize(hasTitle ? title : given.title);
   if (note.title.empty()) throw CLIError::general("Invalid title after sanitisation.");
-  for (const std::string& argument : properties) {
+  for (const std::string& argument : propertyArguments(given.properties, properties)) {
     const PropertyArgument property = PropertyArgument::parse(argument);
     note.userProperties[property.key] = property.value;
   }
-  std::vector<std::string> readableTags;
-  for (const std::string& tag : tags) readableTags.push_back(TagArgument::readable(tag));
-  note.body = bodySource(*this);
+  const std::vector<std::string> readableTags = allTags(given.tags, tags);
+  note.body = templateName ? given.body.text : bodySource(*this);
   addTags(note.body, readableTags);
   note.isFavourite = favourite;
   note.noteID = UUID::random();

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 
+#include "LKCore/Attachments/AttachmentUses.h"
 #include "LKCore/Attachments/LKAttachmentTypes.h"
+#include "LKCore/Base/Text.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Platform/FolderReader.h"
 #include "LKCore/Platform/FolderWalk.h"
@@ -16,6 +18,8 @@ namespace lk::AttachmentScanner {
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr const char* kFolder = ".attachments";
 
 bool mayBeFile(const WalkEntry& entry) {
   return entry.kind == WalkEntry::Kind::file || entry.kind == WalkEntry::Kind::symbolicLink;
@@ -41,33 +45,77 @@ std::vector<AttachmentInfo> attachmentsIn(const fs::path& folder) {
   return attachments;
 }
 
-void countReferences(std::string_view text, std::vector<AttachmentInfo>& attachments) {
-  for (AttachmentInfo& each : attachments) {
-    if (memmem(text.data(), text.size(), each.name.data(), each.name.size()) != nullptr) {
-      ++each.refCount;
-    }
+bool isNoteName(std::string_view name) {
+  return text::equalIgnoringCase(LKAttachmentTypes::pathExtension(name), "md");
+}
+
+// A name that leads nowhere holds nothing.
+bool mayHoldNotes(const fs::path& path) {
+  try {
+    const auto info = fileInfo(path);
+    return info && (info->isDirectory || isNoteName(path.native()));
+  } catch (const FileError&) {
+    return true;
   }
 }
 
 }  // namespace
 
 std::vector<AttachmentInfo> scan(const fs::path& collection) {
-  std::vector<AttachmentInfo> attachments = attachmentsIn(collection / ".attachments");
+  return scan(collection, [](const std::string&) {});
+}
+
+std::vector<AttachmentInfo> scan(const fs::path& collection,
+                                 const std::function<void(const std::string& path)>& onUnread) {
+  std::vector<AttachmentInfo> attachments = attachmentsIn(collection / kFolder);
   if (attachments.empty()) return attachments;
+  std::vector<std::string> names;
+  for (const AttachmentInfo& each : attachments) names.push_back(each.name);
+  const AttachmentUses uses(names);
   FolderReader reader(collection);
   WalkOptions options;
-  options.hiddenFolders = {".daily"};
+  options.hiddenFolders = {".daily", ".trash"};
+  options.onProblem = [&](const WalkProblem& problem) {
+    if (!mayHoldNotes(collection / problem.relativePath)) return;
+    onUnread(problem.relativePath.empty() ? "." : text::escapedInvalid(problem.relativePath));
+  };
+  const auto countIn = [&](const std::string& note) {
+    if (const auto file = reader.read(note)) {
+      for (const size_t used : uses.in(file->bytes)) ++attachments[used].refCount;
+    } else if (mayHoldNotes(collection / note)) {
+      onUnread(note);
+    }
+  };
   walkFolder(
       collection,
       [&](const WalkEntry& entry) {
-        if (mayBeFile(entry) && entry.name.ends_with(".md")) {
-          const auto file = reader.read(std::string(entry.relativePath));
-          if (file) countReferences(file->bytes, attachments);
+        if (mayBeFile(entry) && isNoteName(entry.name)) {
+          countIn(std::string(entry.relativePath));
         }
         return WalkStep::proceed;
       },
       options);
   return attachments;
+}
+
+std::vector<std::string> remove(const fs::path& collection,
+                                const std::vector<AttachmentInfo>& attachments) {
+  const fs::path folder = collection / kFolder;
+  const fs::path inside = resolved(collection) / kFolder;
+  std::vector<std::string> failures;
+  for (const AttachmentInfo& each : attachments) {
+    const fs::path file = folder / each.name;
+    try {
+      // A folder that became a link since the scan leads out.
+      if (resolved(file.parent_path()) != (inside / each.name).parent_path()) {
+        throw FileError(file, ELOOP);
+      }
+      removeFile(file);
+    } catch (const FileError& error) {
+      if (error.code() != ENOENT) failures.push_back(error.description());
+    }
+  }
+  return failures;
 }
 
 std::string formatBytes(uint64_t count) {
