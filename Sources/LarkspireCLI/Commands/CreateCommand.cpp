@@ -13,7 +13,7 @@
 #include "LarkspireCLI/Support/DeepLink.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
-#include "LarkspireCLI/Support/PropertyArgument.h"
+#include "LarkspireCLI/Support/PropertySchema.h"
 #include "LarkspireCLI/Support/StandardInput.h"
 #include "LarkspireCLI/Support/TagArgument.h"
 
@@ -81,10 +81,7 @@ void CreateCommand::run() {
   NewNote note;
   note.title = LKNoteFilename::sanitize(title);
   if (note.title.empty()) throw CLIError::general("Invalid title after sanitisation.");
-  for (const std::string& argument : properties) {
-    const PropertyArgument property = PropertyArgument::parse(argument);
-    note.userProperties[property.key] = property.value;
-  }
+  note.userProperties = checkedProperties(properties, options);
   std::vector<std::string> readableTags;
   for (const std::string& tag : tags) readableTags.push_back(TagArgument::readable(tag));
   note.body = bodySource(*this);
