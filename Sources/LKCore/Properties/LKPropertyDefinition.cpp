@@ -43,7 +43,7 @@ Instant definitionDate(const Json& row) {
   if (!text) return {};
   const auto date = parseISO8601(*text);
   if (!date) throw JsonError("\"createdDate\" is not a date.");
-  return *date;
+  return {date->seconds, 0};
 }
 
 std::optional<Json> definitionExpression(const Json& row) {

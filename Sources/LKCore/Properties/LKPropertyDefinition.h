@@ -35,8 +35,8 @@ struct LKPropertyDefinition {  // NOLINT(bugprone-exception-escape): moving JSON
   std::string name;  // one name in any case
   LKPropertyType type = LKPropertyType::text;
   std::vector<std::string> options;  // of a select type
-  Instant createdDate;
-  std::optional<Json> expression;  // how a derived value is computed, as it stands in the file
+  Instant createdDate;               // whole seconds
+  std::optional<Json> expression;    // how a derived value is computed, as it stands in the file
   bool isRequired = false;
   std::optional<double> minValue;
   std::optional<double> maxValue;
