@@ -82,7 +82,7 @@ const LKPropertySchemaStore::Loaded& LKPropertySchemaStore::loaded() const {
   const std::optional<FileInfo> stamp = stampOf(path);
   const Instant now = clock_();
   const bool isFresh = cached_ && cached_->file == path && cached_->stamp == stamp &&
-                       cached_->at <= now && now.seconds - cached_->at.seconds <= 1;
+                       cached_->at.seconds == now.seconds;
   if (isFresh) return *cached_;
   cached_.reset();
   Loaded made{.file = path, .stamp = stamp, .at = now, .definitions = {}, .problems = {}};
