@@ -292,11 +292,6 @@ void IndexBuild::resolveLinks() {
 
 }  // namespace
 
-bool hasNoteExtension(std::string_view name) {
-  return name.size() > kNoteExtension.size() &&
-         text::lowercased(name.substr(name.size() - kNoteExtension.size())) == kNoteExtension;
-}
-
 std::vector<fs::path> noteFiles(const fs::path& folder) {
   std::vector<fs::path> files;
   for (const std::string& path : notePaths(folder)) {

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 #include "LKCore/DataModel/LKContext.h"
@@ -22,9 +21,6 @@
 // title, a live one before one in the trash. A task that the block has no id for has one for this
 // run.
 namespace lk::LKFileIndex {
-
-// True for the name of a note file.
-bool hasNoteExtension(std::string_view name);
 
 // The paths of the note files, in order. A folder that cannot be read is passed over.
 std::vector<std::filesystem::path> noteFiles(const std::filesystem::path& folder);

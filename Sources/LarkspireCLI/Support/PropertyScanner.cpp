@@ -6,7 +6,6 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
-#include "LKCore/NoteRepository/LKFileIndex.h"
 #include "LKCore/Platform/FolderReader.h"
 #include "LKCore/Platform/FolderWalk.h"
 #include "LKCore/Properties/LKMultiSelectValue.h"
@@ -31,7 +30,7 @@ std::vector<std::string> relativeNotePaths(const fs::path& collection, bool incl
       [&](const WalkEntry& entry) {
         const bool mayBeFile =
             entry.kind == WalkEntry::Kind::file || entry.kind == WalkEntry::Kind::symbolicLink;
-        if (mayBeFile && LKFileIndex::hasNoteExtension(entry.name)) {
+        if (mayBeFile && LKNoteFilename::hasNoteExtension(entry.name)) {
           paths.emplace_back(entry.relativePath);
         }
         return WalkStep::proceed;
