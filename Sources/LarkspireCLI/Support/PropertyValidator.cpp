@@ -59,7 +59,8 @@ void checkNumber(const std::string& value, const LKPropertyDefinition& definitio
 bool isBoolean(const std::string& value) {
   static constexpr std::array<std::string_view, 6> kWords = {"true", "false", "yes",
                                                              "no",   "1",     "0"};
-  return std::ranges::find(kWords, text::lowercased(value)) != kWords.end();
+  const std::string lowered = text::lowercased(value);
+  return std::ranges::find(kWords, std::string_view(lowered)) != kWords.end();
 }
 
 bool isRating(const std::string& value) {
