@@ -51,7 +51,8 @@ std::optional<FolderReader::File> FolderReader::read(const std::string& relative
   struct stat info {};
   if (!file || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
   try {
-    const auto size = fill(buffer_, file, std::min(static_cast<size_t>(info.st_size) + kEndProbe, limit), limit);
+    const auto size =
+        fill(buffer_, file, std::min(static_cast<size_t>(info.st_size) + kEndProbe, limit), limit);
     if (!size) return std::nullopt;
     return File{std::string_view(buffer_).substr(0, *size),
                 {info.st_mtim.tv_sec, static_cast<int32_t>(info.st_mtim.tv_nsec)}};

@@ -13,7 +13,8 @@ namespace lk {
 
 namespace {
 
-void tellValidationWarnings(const PropertyValidator::ValidationResult& result, const GlobalOptions& options) {
+void tellValidationWarnings(const PropertyValidator::ValidationResult& result,
+                            const GlobalOptions& options) {
   for (const std::string& warning : result.warnings) printNote(options, warning);
 }
 
