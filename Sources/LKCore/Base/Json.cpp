@@ -1,5 +1,6 @@
 #include "LKCore/Base/Json.h"
 
+#include <cmath>
 #include <limits>
 
 #include "LKCore/Base/JsonWriter.h"
@@ -87,6 +88,19 @@ std::optional<int64_t> integerMember(const Json& object, const char* key) {
                     value->get<uint64_t>() <= uint64_t{std::numeric_limits<int64_t>::max()};
   if (!value->is_number_integer() || !fits) throw wrongType(key, "an integer");
   return value->get<int64_t>();
+}
+
+std::optional<double> numberMember(const Json& object, const char* key) {
+  const Json* value = member(object, key);
+  if (value == nullptr) return std::nullopt;
+  if (!value->is_number()) throw wrongType(key, "a number");
+  return value->get<double>();
+}
+
+Json numberJson(double value) {
+  constexpr double kExactlyWhole = 9e15;
+  const bool isWhole = std::abs(value) < kExactlyWhole && std::floor(value) == value;
+  return isWhole ? Json(static_cast<int64_t>(value)) : Json(value);
 }
 
 }  // namespace lk

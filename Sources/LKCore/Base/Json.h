@@ -36,5 +36,9 @@ std::string printJson(const Json& value);
 std::optional<std::string> stringMember(const Json& object, const char* key);
 std::optional<bool> boolMember(const Json& object, const char* key);
 std::optional<int64_t> integerMember(const Json& object, const char* key);
+std::optional<double> numberMember(const Json& object, const char* key);
+
+// The number as documents and messages show it: a whole one without a fraction, 5 and not 5.0.
+Json numberJson(double value);
 
 }  // namespace lk

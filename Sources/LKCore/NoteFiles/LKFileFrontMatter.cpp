@@ -100,25 +100,17 @@ void appendProperties(std::string& file, const Pairs& userProperties) {
   }
 }
 
-}  // namespace
-
-LKParsedDocument parseDocument(std::string_view text) {
-  std::optional<LKParsedDocument> document = parseDocumentIfValid(text);
-  if (!document) throw LKSyncError::invalidFrontMatter("unknown");
-  return std::move(*document);
+// True when nothing is missing that a note has to have.
+bool isValid(const std::optional<ScannedBlock>& block) {
+  return block && block->isClosed && block->fields.id && block->fields.created;
 }
 
-std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text) {
-  std::optional<ScannedBlock> block = scanBlock(text);
-  if (!block || !block->isClosed || !block->fields.id || !block->fields.created) {
-    return std::nullopt;
-  }
-  SalvagedFields& fields = block->fields;
-  LKParsedDocument document;
-  document.frontMatter = {
+LKFileFrontMatter frontMatterOf(ScannedBlock&& block) {
+  SalvagedFields& fields = block.fields;
+  return {
       .id = *fields.id,
       .created = writable(*fields.created),
-      .title = std::move(block->title),
+      .title = std::move(block.title),
       .foldedIndices = std::move(fields.foldedIndices).value_or(std::vector<int>{}),
       .cursorIndex = fields.cursorIndex.value_or(0),
       .dailyDate = fields.dailyDate,
@@ -131,8 +123,31 @@ std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text) {
       .contentHash = std::move(fields.contentHash),
       .tagRanks = std::move(fields.tagRanks),
   };
-  document.body = bodyOf(block->rest);
-  return document;
+}
+
+// The block at a file's start; nothing when the start does not hold all of it. A line that the
+// start cuts off could still become anything.
+std::optional<ScannedBlock> scanFileStart(std::string_view fileStart) {
+  const size_t lastLineFeed = fileStart.rfind('\n');
+  if (lastLineFeed == std::string_view::npos) return std::nullopt;
+  std::optional<ScannedBlock> block = scanBlock(fileStart.substr(0, lastLineFeed + 1));
+  if (!isValid(block)) return std::nullopt;
+  return block;
+}
+
+}  // namespace
+
+LKParsedDocument parseDocument(std::string_view text) {
+  std::optional<LKParsedDocument> document = parseDocumentIfValid(text);
+  if (!document) throw LKSyncError::invalidFrontMatter("unknown");
+  return std::move(*document);
+}
+
+std::optional<LKParsedDocument> parseDocumentIfValid(std::string_view text) {
+  std::optional<ScannedBlock> block = scanBlock(text);
+  if (!isValid(block)) return std::nullopt;
+  std::string body = bodyOf(block->rest);
+  return LKParsedDocument{frontMatterOf(std::move(*block)), std::move(body)};
 }
 
 std::string serialize(const LKFileFrontMatter& frontMatter, std::string_view body) {
@@ -160,12 +175,14 @@ std::string serialize(const LKFileFrontMatter& frontMatter, std::string_view bod
 }
 
 std::optional<UUID> readIdentity(std::string_view fileStart) {
-  // A line that the start cuts off could still become anything.
-  const size_t lastLineFeed = fileStart.rfind('\n');
-  if (lastLineFeed == std::string_view::npos) return std::nullopt;
-  const std::optional<ScannedBlock> block = scanBlock(fileStart.substr(0, lastLineFeed + 1));
-  if (!block || !block->isClosed || !block->fields.created) return std::nullopt;
-  return block->fields.id;
+  const std::optional<ScannedBlock> block = scanFileStart(fileStart);
+  return block ? block->fields.id : std::nullopt;
+}
+
+std::optional<LKFileFrontMatter> readFrontMatter(std::string_view fileStart) {
+  std::optional<ScannedBlock> block = scanFileStart(fileStart);
+  if (!block) return std::nullopt;
+  return frontMatterOf(std::move(*block));
 }
 
 LKFileFrontMatter refreshingTitle(LKFileFrontMatter frontMatter, const std::filesystem::path& url) {
@@ -184,6 +201,11 @@ std::optional<std::string> blockStatus(const LKFileFrontMatter& frontMatter) {
 bool isWritablePropertyKey(std::string_view key) {
   const std::string lineKey = oneLine(key);
   return !lineKey.empty() && lineKey.find(':') == std::string::npos && !isReserved(lineKey);
+}
+
+bool isReservedPropertyName(std::string_view name) {
+  const std::string lowered = text::lowercased(name);
+  return isReserved(lowered) || isReadByUs(lowered);
 }
 
 }  // namespace lk

@@ -129,6 +129,9 @@ std::string serialize(const LKFileFrontMatter& frontMatter, std::string_view bod
 // the whole file then tells which. Looks at the block alone.
 std::optional<UUID> readIdentity(std::string_view fileStart);
 
+// The block that parseDocument would give, by the same rules.
+std::optional<LKFileFrontMatter> readFrontMatter(std::string_view fileStart);
+
 // A copy whose title is the display name of the file.
 LKFileFrontMatter refreshingTitle(LKFileFrontMatter frontMatter, const std::filesystem::path& url);
 
@@ -139,5 +142,8 @@ std::optional<std::string> blockStatus(const LKFileFrontMatter& frontMatter);
 // a colon, protected, or beginning with "lk-". `serialize` leaves such a property out, so whoever
 // takes keys from a person asks first.
 bool isWritablePropertyKey(std::string_view key);
+
+// True for a name that, in any case and old names included, means something of its own in a block.
+bool isReservedPropertyName(std::string_view name);
 
 }  // namespace lk

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -28,9 +30,9 @@ class FolderReader {
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
 
-  // Nothing for what is no regular file or symbolic link to one, and for what cannot be read
-  // or held. Never waits for a FIFO or a device.
-  std::optional<File> read(const std::string& relativePath);
+  // The file, or its first `limit` bytes. Nothing for what is no regular file or symbolic link to
+  // one, and for what cannot be read or held. Never waits for a FIFO or a device.
+  std::optional<File> read(const std::string& relativePath, size_t limit = SIZE_MAX);
 
  private:
   int folder_ = -1;

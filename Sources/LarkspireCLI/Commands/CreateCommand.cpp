@@ -18,7 +18,7 @@
 #include "LarkspireCLI/Support/DeepLink.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
-#include "LarkspireCLI/Support/PropertyArgument.h"
+#include "LarkspireCLI/Support/PropertySchema.h"
 #include "LarkspireCLI/Support/StandardInput.h"
 #include "LarkspireCLI/Support/TagArgument.h"
 
@@ -87,18 +87,16 @@ FilledTemplate filledTemplate(const CreateCommand& command) {
   }
 }
 
-// The template's first, so that the command line's win.
-std::vector<std::string> propertyArguments(const std::map<std::string, std::string>& ofTemplate,
-                                           const std::vector<std::string>& given) {
+// The template's word stands, whatever the schema says.
+std::map<std::string, std::string> templateProperties(const FilledTemplate& filled) {
   std::vector<std::string> arguments;
-  for (const auto& [key, value] : ofTemplate) {
+  for (const auto& [key, value] : filled.properties) {
     if (key.find('=') != std::string::npos) {
       throw CLIError::propertyValidation("Property \"" + key + "\" of the template holds a \"=\".");
     }
     arguments.push_back(key + "=" + value);
   }
-  arguments.insert(arguments.end(), given.begin(), given.end());
-  return arguments;
+  return uncheckedProperties(arguments);
 }
 
 // Each tag once.
@@ -149,10 +147,8 @@ void CreateCommand::run() {
   const bool hasTitle = !text::trimmed(title).empty();
   note.title = LKNoteFilename::sanitize(hasTitle ? title : given.title);
   if (note.title.empty()) throw CLIError::general("Invalid title after sanitisation.");
-  for (const std::string& argument : propertyArguments(given.properties, properties)) {
-    const PropertyArgument property = PropertyArgument::parse(argument);
-    note.userProperties[property.key] = property.value;
-  }
+  note.userProperties = checkedProperties(properties, options);
+  note.userProperties.merge(templateProperties(given));
   const std::vector<std::string> readableTags = allTags(given.tags, tags);
   note.body = templateName ? given.body.text : bodySource(*this);
   addTags(note.body, readableTags);

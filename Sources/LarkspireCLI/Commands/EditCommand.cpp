@@ -7,7 +7,7 @@
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
-#include "LarkspireCLI/Support/PropertyArgument.h"
+#include "LarkspireCLI/Support/PropertySchema.h"
 #include "LarkspireCLI/Support/RequiredNote.h"
 #include "LarkspireCLI/Support/StandardInput.h"
 
@@ -49,10 +49,10 @@ std::string newBody(const EditCommand& command, std::string body) {
 
 NoteChange changeOf(const EditCommand& command) {
   NoteChange change;
-  for (const std::string& argument : command.setProperties) {
-    const PropertyArgument property = PropertyArgument::parse(argument);
-    change.propertyUpdates[property.key] = property.value;
-  }
+  const auto properties = command.force ? uncheckedProperties(command.setProperties)
+                                        : checkedProperties(command.setProperties, command.options,
+                                                            command.removeProperties);
+  change.propertyUpdates.insert(properties.begin(), properties.end());
   for (const std::string& key : command.removeProperties) {
     change.propertyUpdates[std::string(text::trimmed(key))] = std::nullopt;
   }

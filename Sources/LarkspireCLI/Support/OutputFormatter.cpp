@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <set>
 #include <tuple>
 
@@ -342,12 +341,6 @@ std::string formatBacklinks(std::vector<LKBackLink*> links, const std::string& t
 
 namespace {
 
-Json numberJson(double value) {
-  constexpr double kExactlyWhole = 9e15;
-  const bool isWhole = std::abs(value) < kExactlyWhole && std::floor(value) == value;
-  return isWhole ? Json(static_cast<int64_t>(value)) : Json(value);
-}
-
 Json propertyJson(const PropertyRow& row) {
   return {{"name", row.name},
           {"type", row.type},
@@ -408,8 +401,8 @@ std::string formatOrphanList(const std::vector<OrphanRow>& rows, bool asJSON) {
     return jsonEncode(array);
   }
   if (rows.empty()) return "No orphaned properties found.";
-  std::string text =
-      std::to_string(rows.size()) + " orphaned property keys (no schema definition):";
+  std::string text = std::to_string(rows.size()) + " orphaned property key" +
+                     (rows.size() == 1 ? "" : "s") + " (no schema definition):";
   for (const OrphanRow& row : rows) text += "\n" + row.key + " " + countOfNotes(row.noteCount);
   return text;
 }

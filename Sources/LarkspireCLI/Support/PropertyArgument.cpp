@@ -16,7 +16,24 @@ bool survivesInNoteFile(const PropertyArgument& property) {
          frontMatter.userProperties;
 }
 
+void requireOneLine(const std::string& name, std::string_view part) {
+  if (text::splitLines(part).size() == 1) return;
+  throw CLIError::propertyValidation("Property \"" + name +
+                                     "\" holds a line break. A property is one line.");
+}
+
 }  // namespace
+
+std::string readablePropertyName(std::string_view typed) {
+  std::string name(text::trimmed(typed));
+  if (name.empty()) throw CLIError::propertyValidation("A property needs a name.");
+  requireOneLine(name, name);
+  if (name.find(':') != std::string::npos) {
+    throw CLIError::propertyValidation("Property \"" + name +
+                                       "\" holds a colon, which no property name may.");
+  }
+  return name;
+}
 
 PropertyArgument PropertyArgument::parse(std::string_view argument) {
   const size_t equals = argument.find('=');
@@ -30,14 +47,8 @@ PropertyArgument PropertyArgument::parse(std::string_view argument) {
     throw CLIError::propertyValidation("\"" + std::string(argument) +
                                        "\" has no property name before the \"=\".");
   }
-  if (text::splitLines(property.key).size() > 1 || text::splitLines(property.value).size() > 1) {
-    throw CLIError::propertyValidation("Property \"" + property.key +
-                                       "\" holds a line break. A property is one line.");
-  }
-  if (property.key.find(':') != std::string::npos) {
-    throw CLIError::propertyValidation("Property \"" + property.key +
-                                       "\" holds a colon, which no property name may.");
-  }
+  property.key = readablePropertyName(property.key);
+  requireOneLine(property.key, property.value);
   if (!survivesInNoteFile(property)) {
     throw CLIError::propertyValidation("'" + property.key +
                                        "' is a reserved system property and cannot be used.");

@@ -18,4 +18,8 @@ struct PropertyArgument {
   bool operator==(const PropertyArgument&) const = default;
 };
 
+// The name of a property as a note file keeps it. Throws CLIError, propertyValidation, for one that
+// is empty or holds a line break or a colon.
+std::string readablePropertyName(std::string_view typed);
+
 }  // namespace lk

@@ -327,6 +327,9 @@ TEST(NoteFormat, EveryPrefixReadsOrFailsCleanly) {
     const std::string_view prefix = std::string_view(file).substr(0, size);
     const bool isWhole = size > blockEnd;
     EXPECT_EQ(readIdentity(prefix), isWhole ? std::optional(full.id) : std::nullopt) << size;
+    const auto block = readFrontMatter(prefix);
+    EXPECT_EQ(block.has_value(), isWhole) << size;
+    if (block) EXPECT_EQ(*block, parseDocument(prefix).frontMatter) << size;
     if (size < blockEnd) {
       EXPECT_THROW(parseDocument(prefix), LKSyncError) << size;
     } else {

@@ -1,0 +1,52 @@
+#pragma once
+
+// The properties that stand in the notes of a collection, read from the blocks of the files: one
+// pass, and of each file no more than its block as a rule. Hidden files and folders are passed
+// over, the trash among them, and what is no note; a note counts even when its body is not UTF-8.
+//
+//     const auto counts = PropertyScanner::usageCounts(collection, schema);
+//
+// A property is one in any case; daily notes count like others unless told not to. What cannot be
+// read is passed over.
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "LKCore/Properties/LKPropertyDefinition.h"
+
+namespace lk {
+
+// A property of one note.
+struct NoteProperty {
+  std::string noteTitle;
+  std::filesystem::path noteURL;
+  std::string key;
+  std::string value;
+
+  bool operator==(const NoteProperty&) const = default;
+};
+
+namespace PropertyScanner {
+
+// In the order of the files' paths, by bytes, and of the keys.
+std::vector<NoteProperty> scanAllProperties(const std::filesystem::path& collection,
+                                            bool includeDailyNotes = true);
+
+// How many notes have the property: of every definition and of every other key in the notes, by
+// its text::caseInsensitiveKey.
+std::map<std::string, int64_t> usageCounts(const std::filesystem::path& collection,
+                                           const std::vector<LKPropertyDefinition>& schema);
+
+// The notes that have the property, or have it with this value in any case; of a multi-select
+// property, with this item. Sorted by title.
+std::vector<NoteProperty> notesUsing(const std::string& property,
+                                     const std::optional<std::string>& value,
+                                     const std::filesystem::path& collection);
+
+}  // namespace PropertyScanner
+
+}  // namespace lk
