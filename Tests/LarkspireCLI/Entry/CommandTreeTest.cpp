@@ -272,6 +272,7 @@ lk import | Import .md / .txt files from a folder as notes.
     --tag=* | Tag to add to every imported note (repeatable).
     --recursive | Recurse into subdirectories.
     --dry-run | List what would be imported without writing.
+    --vault | Import the folder as an Obsidian vault, with its attachments and tags.
 lk backlinks | Show notes that link to a specific note.
     <reference> | Note title or UUID.
     --context | Show the paragraph containing the [[link]].
