@@ -119,6 +119,7 @@ WrittenNote writeFile(const ImportedNote& note, ImportContext& batch) {
   frontMatter.dailyDate = note.dailyNote;
   frontMatter.taskEntries = deriveTaskEntries(written.body, {});
   const std::string base = sanitizeFilename(note.baseName);
+  createFolders(batch.destinationFolder);
   FreeNames& names = namesIn(batch.destinationFolder, batch);
   while (true) {
     const std::string name = nextAvailableImportName(base, names);
@@ -173,9 +174,7 @@ void finishImport(ImportContext& importContext) {
       log::warning("the index did not take the imported notes: " + error.description());
     }
   }
-  flushFileSystem(importContext.destinationFolder);
-  const auto& attachments = importContext.attachmentsDirectory;
-  if (attachments && importContext.names.contains(*attachments)) flushFileSystem(*attachments);
+  for (const auto& [folder, names] : importContext.names) flushFileSystem(folder);
 }
 
 std::string sanitizeFilename(std::string_view baseName) {

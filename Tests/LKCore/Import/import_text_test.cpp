@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "LKCore/Import/LKImportText.h"
-#include "Support/Growth.h"
 
 namespace lk {
 namespace {
@@ -101,14 +100,6 @@ TEST(ImportText, TagsGetTheirPrefixOutsideCode) {
 TEST(ImportText, PercentEscapesThatMakeNoTextStay) {
   EXPECT_EQ(engine::percentDecoded("my%20caf%C3%A9%2"), "my café%2");
   EXPECT_EQ(engine::percentDecoded("%FF%zz"), "%FF%zz");
-}
-
-TEST(ImportText, TakesTimeInProportionToItsLength) {
-  for (const std::string unit : {"#a", "#1", "#", "#_ ", "```\n"}) {
-    const double times = test::growth(
-        unit, 100'000, [](const std::string& text) { engine::prefixInlineTags(text, "p/"); });
-    EXPECT_LE(times, 8) << unit;
-  }
 }
 
 }  // namespace
