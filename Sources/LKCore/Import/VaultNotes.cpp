@@ -135,7 +135,9 @@ std::vector<fs::path> notePaths(const fs::path& rootURL, std::vector<ImportProbl
   WalkOptions options;
   options.skippedFolders.assign(skipFolders.begin(), skipFolders.end());
   options.onProblem = [&](const WalkProblem& problem) {
-    errors.push_back({text::escapedInvalid(problem.relativePath), "Could not read file"});
+    const bool isRoot = problem.relativePath.empty();
+    errors.push_back({isRoot ? rootURL.string() : text::escapedInvalid(problem.relativePath),
+                      "Could not read file"});
   };
   walkFolder(
       rootURL,

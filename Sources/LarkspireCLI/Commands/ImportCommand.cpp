@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <optional>
@@ -146,10 +147,10 @@ bool concernsOneFile(const FileError& error) {
   return error.code() == ENAMETOOLONG || error.code() == EINVAL || error.code() == EILSEQ;
 }
 
-size_t createNotes(const std::vector<fs::path>& files, const fs::path& collection,
-                   const std::vector<std::string>& tags, Progress& progress) {
+// Counts in `created`, so that the number stands also when it throws.
+void createNotes(const std::vector<fs::path>& files, const fs::path& collection,
+                 const std::vector<std::string>& tags, Progress& progress, size_t& created) {
   FreeNames names(collection);
-  size_t created = 0;
   for (size_t i = 0; i < files.size(); ++i) {
     const std::optional<NewNote> note = noteFrom(files[i], tags);
     if (!note) {
@@ -168,7 +169,16 @@ size_t createNotes(const std::vector<fs::path>& files, const fs::path& collectio
     progress.show(i + 1, files.size());
   }
   if (created > 0) flushFileSystem(collection);
-  return created;
+}
+
+// Runs `write`; a failure says how many notes were made before it.
+void importNotes(const std::function<void()>& write, const size_t& imported) {
+  try {
+    writeNotes(write, kCannotImport);
+  } catch (const CLIError& error) {
+    if (imported == 0) throw;
+    throw error.withHint("Imported before that: " + countedNotes(imported));
+  }
 }
 
 LKImportEngine::ImportContext contextOf(const fs::path& collection) {
@@ -255,17 +265,17 @@ void ImportCommand::importFiles(const fs::path& source, const fs::path& collecti
   requireWritable(collection, kCannotImport);
   size_t imported = 0;
   LKImportEngine::ImportBatchResult result;
-  writeNotes(
+  importNotes(
       [&] {
         Progress progress("Importing", options.quiet);
-        imported = createNotes(files.texts, collection, readableTags, progress);
+        createNotes(files.texts, collection, readableTags, progress, imported);
         if (files.bundles.empty()) return;
         LKImportEngine::ImportContext context = contextOf(collection);
         result = LKImportEngine::performImport(
             files.bundles, context, {.appendTags = readableTags},
             [&](size_t done, size_t total) { progress.show(done, total); });
       },
-      kCannotImport);
+      imported);
   printProblems(result.errors);
   printMessage(options, "Imported " + countedNotes(imported + result.importedCount));
 }
