@@ -1,7 +1,6 @@
 #include "LKCore/NoteFiles/LKFileWrite.h"
 
 #include "LKCore/NoteFiles/LKOwnFileContent.h"
-#include "LKCore/Platform/Files.h"
 
 namespace lk::LKFileWrite {
 
@@ -10,9 +9,10 @@ void atomically(std::string_view data, const std::filesystem::path& url) {
   replaceFile(url, data);
 }
 
-bool createAtomically(std::string_view data, const std::filesystem::path& url) {
+bool createAtomically(std::string_view data, const std::filesystem::path& url,
+                      Durability durability) {
   LKOwnFileContent::record(data, url);
-  return createFile(url, data);
+  return createFile(url, data, durability);
 }
 
 void preservingAttributes(const std::filesystem::path& url, const std::function<void()>& body) {

@@ -4,6 +4,8 @@
 #include <functional>
 #include <string_view>
 
+#include "LKCore/Platform/Files.h"
+
 // How every file of a collection is written: whole, with its extended attributes kept, and leaving
 // a trace in LKOwnFileContent so that the file watcher knows the program's own writes.
 //
@@ -18,7 +20,8 @@ void atomically(std::string_view data, const std::filesystem::path& url);
 
 // Makes a file that was not there, with the same recording. False, with nothing changed, when the
 // name is taken. Throws FileError.
-[[nodiscard]] bool createAtomically(std::string_view data, const std::filesystem::path& url);
+[[nodiscard]] bool createAtomically(std::string_view data, const std::filesystem::path& url,
+                                    Durability durability = Durability::now);
 
 // Runs `body`, which may replace the file by other means, and puts back the attributes that the
 // file had before. What `body` throws goes through, and nothing is put back then.

@@ -90,6 +90,33 @@ LKParsedDocument applyChange(const fs::path& url, const NoteChange& change) {
   return document;
 }
 
+fs::path create(const NewNote& note, FreeNames& names, Durability durability) {
+  const fs::path& collectionRoot = names.folder();
+  assertWritable(collectionRoot);
+  const UUID id = note.noteID.value_or(UUID::random());
+  const fs::path folder = note.dailyDate ? collectionRoot / ".daily" : collectionRoot;
+  createFolders(folder);
+  const std::string body = normaliseIndentation(note.body);
+  const bool hasFixedName = note.dailyDate || note.untitled;
+  const std::string title = note.dailyDate  ? LKDateOnly::dayKey(*note.dailyDate)
+                            : note.untitled ? id.text()
+                                            : sanitiseFilename(note.title);
+  while (true) {
+    const std::string name = hasFixedName ? title + ".md" : names.next(title, ".md");
+    const std::string baseName = name.substr(0, name.size() - 3);
+    const LKFileFrontMatter frontMatter = frontMatterFor(note, baseName, id, body);
+    const std::string file = serialize(frontMatter, body);
+    assertEncodable(file);
+    fs::path url = folder / name;
+    if (LKFileWrite::createAtomically(file, url, durability)) {
+      updateTasksInCache(url, id, body, frontMatter.taskEntries);
+      return url;
+    }
+    // Somebody took the name in between: a numbered name can move on, a fixed one cannot.
+    if (hasFixedName) throw FileError(url, EEXIST);
+  }
+}
+
 }  // namespace
 
 void bringBack(LKFileFrontMatter& frontMatter) {
@@ -102,29 +129,12 @@ void bringBack(LKFileFrontMatter& frontMatter) {
 }
 
 fs::path createNote(const NewNote& note, const fs::path& collectionRoot) {
-  assertWritable(collectionRoot);
-  const UUID id = note.noteID.value_or(UUID::random());
-  const fs::path folder = note.dailyDate ? collectionRoot / ".daily" : collectionRoot;
-  createFolders(folder);
-  const std::string body = normaliseIndentation(note.body);
-  const bool hasFixedName = note.dailyDate || note.untitled;
-  const std::string title = note.dailyDate  ? LKDateOnly::dayKey(*note.dailyDate)
-                            : note.untitled ? id.text()
-                                            : sanitiseFilename(note.title);
-  while (true) {
-    const std::string name = hasFixedName ? title + ".md" : uniqueFilename(title, folder);
-    const std::string baseName = name.substr(0, name.size() - 3);
-    const LKFileFrontMatter frontMatter = frontMatterFor(note, baseName, id, body);
-    const std::string file = serialize(frontMatter, body);
-    assertEncodable(file);
-    fs::path url = folder / name;
-    if (LKFileWrite::createAtomically(file, url)) {
-      updateTasksInCache(url, id, body, frontMatter.taskEntries);
-      return url;
-    }
-    // Somebody took the name in between: a numbered name can move on, a fixed one cannot.
-    if (hasFixedName) throw FileError(url, EEXIST);
-  }
+  FreeNames names(collectionRoot);
+  return create(note, names, Durability::now);
+}
+
+fs::path createNote(const NewNote& note, FreeNames& names) {
+  return create(note, names, Durability::atFlush);
 }
 
 void updateNote(const fs::path& url, const NoteChange& change) {

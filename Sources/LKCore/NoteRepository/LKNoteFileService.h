@@ -24,6 +24,7 @@
 #include "LKCore/Base/Time.h"
 #include "LKCore/Base/UUID.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
+#include "LKCore/Platform/FreeNames.h"
 
 namespace lk {
 
@@ -61,6 +62,10 @@ void bringBack(LKFileFrontMatter& frontMatter);
 // gives its path. A title whose file is there gets a number ("Notes 2.md"), also in a race; a
 // daily note whose file is there is an error (EEXIST).
 std::filesystem::path createNote(const NewNote& note, const std::filesystem::path& collectionRoot);
+
+// The same for one of many notes in a row, `names` being those of the collection's root. They are
+// safe from a power cut once the caller has flushed the file system (flushFileSystem).
+std::filesystem::path createNote(const NewNote& note, FreeNames& names);
 
 void updateNote(const std::filesystem::path& url, const NoteChange& change);
 

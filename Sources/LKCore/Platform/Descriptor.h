@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -51,6 +52,13 @@ auto uninterrupted(Call call) {
 // An existing regular file, for reading. Never waits. Throws FileError, for what is no regular
 // file with EISDIR or EINVAL.
 Descriptor openRegular(const std::filesystem::path& path);
+
+// The same, but a symbolic link is refused (ELOOP).
+Descriptor openRegularItself(const std::filesystem::path& path);
+
+// The number of bytes read at `offset`, less than `size` only at the file's end.
+size_t readAt(const Descriptor& file, char* buffer, size_t size, uint64_t offset,
+              const std::filesystem::path& path);
 
 // The whole content from the descriptor's position on; `path` is for messages.
 std::string readAll(const Descriptor& file, const std::filesystem::path& path);

@@ -99,15 +99,41 @@ bool isPermissionError(int code) noexcept {
 
 // --- Reading -------------------------------------------------------------------------------------
 
-Descriptor openRegular(const fs::path& path) {
+namespace {
+
+Descriptor openRegularWith(const fs::path& path, int flags) {
   // O_NONBLOCK: opening a FIFO would wait for a writer.
-  Descriptor file(uninterrupted(
-      [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  Descriptor file(uninterrupted([&] { return ::open(path.c_str(), kFlags | flags); }));
   struct stat info {};
   if (!file || fstat(file.get(), &info) != 0) throw FileError(path, errno);
   if (S_ISDIR(info.st_mode)) throw FileError(path, EISDIR);
   if (!S_ISREG(info.st_mode)) throw FileError(path, EINVAL);
   return file;
+}
+
+}  // namespace
+
+Descriptor openRegular(const fs::path& path) {
+  return openRegularWith(path, 0);
+}
+
+Descriptor openRegularItself(const fs::path& path) {
+  return openRegularWith(path, O_NOFOLLOW);
+}
+
+size_t readAt(const Descriptor& file, char* buffer, size_t size, uint64_t offset,
+              const fs::path& path) {
+  size_t filled = 0;
+  while (filled < size) {
+    const auto at = static_cast<off_t>(offset + filled);
+    const ssize_t got =
+        uninterrupted([&] { return ::pread(file.get(), buffer + filled, size - filled, at); });
+    if (got < 0) throw FileError(path, errno);
+    if (got == 0) break;
+    filled += static_cast<size_t>(got);
+  }
+  return filled;
 }
 
 std::string readAll(const Descriptor& file, const fs::path& path) {
@@ -129,6 +155,40 @@ std::string readAll(const Descriptor& file, const fs::path& path) {
 
 std::string readFile(const fs::path& path) {
   return readAll(openRegular(path), path);
+}
+
+std::string readFileItself(const fs::path& path, uint64_t limit) {
+  const Descriptor file = openRegularItself(path);
+  struct stat info {};
+  if (fstat(file.get(), &info) != 0) throw FileError(path, errno);
+  if (static_cast<uint64_t>(info.st_size) > limit) throw FileError(path, EFBIG);
+  std::string bytes = readAll(file, path);
+  if (bytes.size() > limit) throw FileError(path, EFBIG);  // it grew
+  return bytes;
+}
+
+bool haveSameBytes(const fs::path& a, const fs::path& b) {
+  static constexpr size_t kBlock = size_t{128} * 1024;
+  try {
+    const Descriptor first = openRegularItself(a);
+    const Descriptor second = openRegularItself(b);
+    struct stat firstInfo {};
+    struct stat secondInfo {};
+    if (fstat(first.get(), &firstInfo) != 0 || fstat(second.get(), &secondInfo) != 0) return false;
+    if (firstInfo.st_size != secondInfo.st_size) return false;
+    std::string left(kBlock, '\0');
+    std::string right(kBlock, '\0');
+    for (uint64_t offset = 0;; offset += kBlock) {
+      const size_t got = readAt(first, left.data(), kBlock, offset, a);
+      if (readAt(second, right.data(), kBlock, offset, b) != got) return false;
+      if (std::string_view(left).substr(0, got) != std::string_view(right).substr(0, got)) {
+        return false;
+      }
+      if (got < kBlock) return true;
+    }
+  } catch (const FileError&) {
+    return false;
+  }
 }
 
 std::string readFileStart(const fs::path& path, size_t limit) {
@@ -172,6 +232,14 @@ void flushFolder(const Descriptor& folder, const fs::path& path) {
   if (uninterrupted([&] { return fsync(folder.get()); }) == 0) return;
   // EBADF: a folder that may be searched but not read has only a descriptor that cannot flush.
   if (errno != EINVAL && errno != EBADF && errno != EROFS && errno != EOPNOTSUPP) {
+    throw FileError(path, errno);
+  }
+}
+
+void flushFileSystem(const fs::path& path) {
+  const Descriptor place(
+      uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
+  if (!place || uninterrupted([&] { return syncfs(place.get()); }) != 0) {
     throw FileError(path, errno);
   }
 }

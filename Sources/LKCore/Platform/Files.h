@@ -48,6 +48,14 @@ bool isPermissionError(int code) noexcept;
 // The whole file. A folder, a FIFO or a device is refused (EISDIR, EINVAL) and never blocks.
 std::string readFile(const std::filesystem::path& path);
 
+// The whole file, unless the name is a symbolic link (ELOOP) or the file is larger than `limit`
+// bytes (EFBIG): for files that somebody else made.
+std::string readFileItself(const std::filesystem::path& path, uint64_t limit);
+
+// True when both names are regular files, not links to one, that hold the same bytes. False also
+// when one of them cannot be read. Neither is held in memory.
+bool haveSameBytes(const std::filesystem::path& a, const std::filesystem::path& b);
+
 // The first `limit` bytes of the file, or all of it when it is shorter.
 std::string readFileStart(const std::filesystem::path& path, size_t limit);
 
@@ -83,9 +91,26 @@ bool nameIsTaken(const std::filesystem::path& path);
 // such a file when a writer is killed there.
 void replaceFile(const std::filesystem::path& path, std::string_view bytes);
 
+// When a new file is safe from a power cut.
+enum class Durability {
+  now,      // on return
+  atFlush,  // after flushFileSystem; for the many files of one operation
+};
+
 // Makes a file that was not there, as carefully. False, with nothing changed, when the name is
-// taken, also when another process takes it at the same moment.
-[[nodiscard]] bool createFile(const std::filesystem::path& path, std::string_view bytes);
+// taken, also when another process takes it at the same moment. However late it is durable, a
+// process that is killed leaves no part of a file.
+[[nodiscard]] bool createFile(const std::filesystem::path& path, std::string_view bytes,
+                              Durability durability = Durability::now);
+
+// Makes such a file with the bytes and the modification date of another, which are not held in
+// memory. Refuses a symbolic link to copy from (ELOOP) and what is no regular file.
+[[nodiscard]] bool copyToNewFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                                 Durability durability = Durability::now);
+
+// Puts on the disk all that was written to the file system which holds the path, and tells (EIO)
+// when some of it could not be.
+void flushFileSystem(const std::filesystem::path& path);
 
 // Renames within or across folders. False, with nothing changed, when the target's name is taken by
 // another file; a change of case alone is no such clash. Across file systems a regular file is

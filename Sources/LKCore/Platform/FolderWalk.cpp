@@ -108,6 +108,7 @@ class Walk {
       return true;
     }
     const unsigned char type = typeOf(entry, folder);
+    if (type == DT_DIR && std::ranges::count(options_.skippedFolders, name) > 0) return true;
     if (type == DT_DIR && !isPackageName(name)) {
       waiting_.push_back(path_);
       return true;

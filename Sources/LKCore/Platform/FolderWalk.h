@@ -55,6 +55,8 @@ struct WalkOptions {
   // Names of hidden folders that are entered wherever they lie, such as ".daily".
   std::vector<std::string_view> hiddenFolders;
   std::function<void(const WalkProblem&)> onProblem;
+  // Names of folders that are passed over wherever they lie.
+  std::vector<std::string_view> skippedFolders = {};
 };
 
 // Calls `visit` for every entry under `folder` that is no folder. True when the walk came to its

@@ -171,6 +171,7 @@ class Draft {
   Draft& operator=(const Draft&) = delete;
 
   void write(std::string_view bytes);
+  void copy(const Descriptor& from, const fs::path& path);
   void adopt(const Original& original);
   void setModified(const timespec& modified);
 
@@ -287,6 +288,17 @@ void Draft::write(std::string_view bytes) {
   }
 }
 
+// By offsets, so that a second draft begins at the file's start again.
+void Draft::copy(const Descriptor& from, const fs::path& path) {
+  static constexpr size_t kBlock = size_t{256} * 1024;
+  std::string block(kBlock, '\0');
+  for (uint64_t offset = 0;; offset += kBlock) {
+    const size_t got = readAt(from, block.data(), kBlock, offset, path);
+    write(std::string_view(block).substr(0, got));
+    if (got < kBlock) return;
+  }
+}
+
 void Draft::adopt(const Original& original) {
   writeAttributes(file_, original.attributes);  // first, while the draft is writable by us
   struct stat own {};
@@ -361,23 +373,31 @@ bool isSameEntry(const Place& a, const Place& b) {
   return first->st_nlink == 1 || S_ISDIR(first->st_mode);
 }
 
-bool createLike(const Place& place, std::string_view bytes, FileSystemAbilities abilities,
-                const Original* original) {
+bool publishNew(const Place& place, FileSystemAbilities abilities, mode_t mode,
+                Durability durability, const std::function<void(Draft&)>& fill) {
   for (;;) {
-    Draft draft(place, abilities, original != nullptr ? 0600 : 0666);
-    draft.write(bytes);
-    if (original != nullptr) {
-      draft.adopt(*original);
-      draft.setModified(original->info.st_mtim);
-    }
-    draft.flush();
+    Draft draft(place, abilities, mode);
+    fill(draft);
+    if (durability == Durability::now) draft.flush();
     const Draft::Outcome outcome = draft.publish();
     if (outcome == Draft::Outcome::nameTaken) return false;
     if (outcome == Draft::Outcome::done) break;
     abilities.anonymousFiles = false;
   }
-  flushFolder(place.folder, place.path);
+  if (durability == Durability::now) flushFolder(place.folder, place.path);
   return true;
+}
+
+constexpr mode_t kPrivate = 0600;  // until the draft has its original's mode
+constexpr mode_t kNewFile = 0666;
+
+bool createLike(const Place& place, std::string_view bytes, const FileSystemAbilities& abilities,
+                const Original& original) {
+  return publishNew(place, abilities, kPrivate, Durability::now, [&](Draft& draft) {
+    draft.write(bytes);
+    draft.adopt(original);
+    draft.setModified(original.info.st_mtim);
+  });
 }
 
 bool moveAcross(const Place& source, const Place& target, const FileSystemAbilities& abilities) {
@@ -385,7 +405,7 @@ bool moveAcross(const Place& source, const Place& target, const FileSystemAbilit
   const std::optional<struct stat> info = source.info(source.name);
   if (!info) source.fail(ENOENT);
   const Original original = readOriginal(source, *info);
-  if (!createLike(target, bytes, abilities, &original)) return false;
+  if (!createLike(target, bytes, abilities, original)) return false;
   if (unlinkat(source.folder.get(), source.name.c_str(), 0) != 0) {
     const int code = errno;
     unlinkat(target.folder.get(), target.name.c_str(), 0);
@@ -411,10 +431,25 @@ void replaceFile(const fs::path& path, std::string_view bytes, FileSystemAbiliti
   flushFolder(place.folder, place.path);
 }
 
-bool createFile(const fs::path& path, std::string_view bytes, FileSystemAbilities abilities) {
+bool createFile(const fs::path& path, std::string_view bytes, FileSystemAbilities abilities,
+                Durability durability) {
   const Place place = openPlace(path);
   if (place.info(place.name)) return false;  // spares the writing; the naming decides
-  return createLike(place, bytes, abilities, nullptr);
+  return publishNew(place, abilities, kNewFile, durability,
+                    [&](Draft& draft) { draft.write(bytes); });
+}
+
+bool copyToNewFile(const fs::path& from, const fs::path& to, FileSystemAbilities abilities,
+                   Durability durability) {
+  const Descriptor source = openRegularItself(from);
+  struct stat info {};
+  if (fstat(source.get(), &info) != 0) throw FileError(from, errno);
+  const Place place = openPlace(to);
+  if (place.info(place.name)) return false;
+  return publishNew(place, abilities, kNewFile, durability, [&](Draft& draft) {
+    draft.copy(source, from);
+    draft.setModified(info.st_mtim);
+  });
 }
 
 bool moveFile(const fs::path& from, const fs::path& to, FileSystemAbilities abilities) {
@@ -440,8 +475,12 @@ void replaceFile(const fs::path& path, std::string_view bytes) {
   replaceFile(path, bytes, FileSystemAbilities{});
 }
 
-bool createFile(const fs::path& path, std::string_view bytes) {
-  return createFile(path, bytes, FileSystemAbilities{});
+bool createFile(const fs::path& path, std::string_view bytes, Durability durability) {
+  return createFile(path, bytes, FileSystemAbilities{}, durability);
+}
+
+bool copyToNewFile(const fs::path& from, const fs::path& to, Durability durability) {
+  return copyToNewFile(from, to, FileSystemAbilities{}, durability);
 }
 
 bool moveFile(const fs::path& from, const fs::path& to) {

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "LKCore/Platform/Files.h"
+
 namespace lk {
 
 // What a file system can do. Each is tried and found missing by itself; false says not to try.
@@ -19,7 +21,11 @@ struct FileSystemAbilities {
 void replaceFile(const std::filesystem::path& path, std::string_view bytes,
                  FileSystemAbilities abilities);
 [[nodiscard]] bool createFile(const std::filesystem::path& path, std::string_view bytes,
-                              FileSystemAbilities abilities);
+                              FileSystemAbilities abilities,
+                              Durability durability = Durability::now);
+[[nodiscard]] bool copyToNewFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                                 FileSystemAbilities abilities,
+                                 Durability durability = Durability::now);
 [[nodiscard]] bool moveFile(const std::filesystem::path& from, const std::filesystem::path& to,
                             FileSystemAbilities abilities);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,12 @@ class ImportCommand final : public Command {
   std::vector<std::string> tags;
   bool recursive = false;
   bool dryRun = false;
+  bool vault = false;
+
+ private:
+  void importFiles(const std::filesystem::path& source, const std::filesystem::path& collection);
+  void importVault(const std::filesystem::path& source, const std::filesystem::path& collection);
+  void list(const std::vector<std::filesystem::path>& files) const;
 };
 
 }  // namespace lk
