@@ -48,7 +48,7 @@ struct BusLibrary {
 };
 
 template <typename Function>
-bool load(void* library, const char* name, Function& function) {
+bool loadFunction(void* library, const char* name, Function& function) {
   function = reinterpret_cast<Function>(dlsym(library, name));
   return function != nullptr;
 }
@@ -58,17 +58,18 @@ std::optional<BusLibrary> loadBusLibrary() {
   if (library == nullptr) return std::nullopt;
   BusLibrary bus{};
   const bool isWhole =
-      load(library, "sd_bus_open_user", bus.open_user) &&
-      load(library, "sd_bus_flush_close_unref", bus.flush_close_unref) &&
-      load(library, "sd_bus_message_new_method_call", bus.message_new_method_call) &&
-      load(library, "sd_bus_message_append", bus.message_append) &&
-      load(library, "sd_bus_message_append_strv", bus.message_append_strv) &&
-      load(library, "sd_bus_message_read", bus.message_read) &&
-      load(library, "sd_bus_message_read_strv", bus.message_read_strv) &&
-      load(library, "sd_bus_message_unref", bus.message_unref) &&
-      load(library, "sd_bus_call", bus.call) &&
-      load(library, "sd_bus_match_signal", bus.match_signal) &&
-      load(library, "sd_bus_process", bus.process) && load(library, "sd_bus_wait", bus.wait);
+      loadFunction(library, "sd_bus_open_user", bus.open_user) &&
+      loadFunction(library, "sd_bus_flush_close_unref", bus.flush_close_unref) &&
+      loadFunction(library, "sd_bus_message_new_method_call", bus.message_new_method_call) &&
+      loadFunction(library, "sd_bus_message_append", bus.message_append) &&
+      loadFunction(library, "sd_bus_message_append_strv", bus.message_append_strv) &&
+      loadFunction(library, "sd_bus_message_read", bus.message_read) &&
+      loadFunction(library, "sd_bus_message_read_strv", bus.message_read_strv) &&
+      loadFunction(library, "sd_bus_message_unref", bus.message_unref) &&
+      loadFunction(library, "sd_bus_call", bus.call) &&
+      loadFunction(library, "sd_bus_match_signal", bus.match_signal) &&
+      loadFunction(library, "sd_bus_process", bus.process) &&
+      loadFunction(library, "sd_bus_wait", bus.wait);
   return isWhole ? std::optional(bus) : std::nullopt;
 }
 
@@ -78,7 +79,7 @@ const std::optional<BusLibrary>& busLibrary() {
   return library;
 }
 
-int checked(int result) {
+int checkedBus(int result) {
   if (result < 0) {
     throw Error("The desktop's notification service failed: " +
                 std::generic_category().message(-result) + ".");
@@ -86,7 +87,7 @@ int checked(int result) {
   return result;
 }
 
-using Message = std::unique_ptr<sd_bus_message, sd_bus_message* (*)(sd_bus_message*)>;
+using BusMessage = std::unique_ptr<sd_bus_message, sd_bus_message* (*)(sd_bus_message*)>;
 
 std::string escapedMarkup(std::string_view plain) {
   std::string text = text::replacingAll(plain, "&", "&amp;");
@@ -104,26 +105,26 @@ struct DesktopNotifications::Bus {
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;
 
-  Message method(const char* member) const {
+  BusMessage method(const char* member) const {
     sd_bus_message* message = nullptr;
-    checked(
+    checkedBus(
         sd.message_new_method_call(connection, &message, kService, kServicePath, kService, member));
     return {message, sd.message_unref};
   }
 
   // The answer.
-  Message call(const Message& message) const {
+  BusMessage call(const BusMessage& message) const {
     sd_bus_message* answer = nullptr;
-    checked(sd.call(connection, message.get(), kCallMicroseconds, nullptr, &answer));
+    checkedBus(sd.call(connection, message.get(), kCallMicroseconds, nullptr, &answer));
     return {answer, sd.message_unref};
   }
 
   // Whether the service reads markup in a body, which plain text must then not look like. Throws
   // when there is no service.
   bool readsMarkup() const {
-    const Message answer = call(method("GetCapabilities"));
+    const BusMessage answer = call(method("GetCapabilities"));
     char** words = nullptr;
-    checked(sd.message_read_strv(answer.get(), &words));
+    checkedBus(sd.message_read_strv(answer.get(), &words));
     bool reads = false;
     for (char** word = words; word != nullptr && *word != nullptr; ++word) {
       reads = reads || std::string_view(*word) == "body-markup";
@@ -134,8 +135,8 @@ struct DesktopNotifications::Bus {
   }
 
   void listen(const char* signal, MessageHandler handler) {
-    checked(sd.match_signal(connection, nullptr, kService, kServicePath, kService, signal, handler,
-                            this));
+    checkedBus(sd.match_signal(connection, nullptr, kService, kServicePath, kService, signal,
+                               handler, this));
   }
 
   const BusLibrary& sd;
@@ -174,7 +175,7 @@ std::unique_ptr<DesktopNotifications> DesktopNotifications::open() {
   if (!busLibrary()) return nullptr;
   auto bus = std::make_unique<Bus>(*busLibrary());
   try {
-    checked(bus->sd.open_user(&bus->connection));
+    checkedBus(bus->sd.open_user(&bus->connection));
     bus->escapesMarkup = bus->readsMarkup();
     bus->listen("ActionInvoked", noteAction);
     bus->listen("NotificationClosed", noteClosed);
@@ -196,25 +197,25 @@ uint32_t DesktopNotifications::show(const DesktopNotification& notification) {
   actions.push_back(nullptr);
   const std::string body =
       bus_->escapesMarkup ? escapedMarkup(notification.body) : notification.body;
-  const Message message = bus_->method("Notify");
-  checked(bus_->sd.message_append(message.get(), "susss", "Larkspire", uint32_t{0}, "",
-                                  notification.summary.c_str(), body.c_str()));
-  checked(bus_->sd.message_append_strv(message.get(), actions.data()));
-  checked(bus_->sd.message_append(message.get(), "a{sv}i", 0U, kServiceDecides));
-  const Message answer = bus_->call(message);
+  const BusMessage message = bus_->method("Notify");
+  checkedBus(bus_->sd.message_append(message.get(), "susss", "Larkspire", uint32_t{0}, "",
+                                     notification.summary.c_str(), body.c_str()));
+  checkedBus(bus_->sd.message_append_strv(message.get(), actions.data()));
+  checkedBus(bus_->sd.message_append(message.get(), "a{sv}i", 0U, kServiceDecides));
+  const BusMessage answer = bus_->call(message);
   uint32_t number = 0;
-  checked(bus_->sd.message_read(answer.get(), "u", &number));
+  checkedBus(bus_->sd.message_read(answer.get(), "u", &number));
   return number;
 }
 
 void DesktopNotifications::process(std::chrono::milliseconds wait) {
   const auto takeAll = [this] {
-    while (checked(bus_->sd.process(bus_->connection, nullptr)) > 0) {
+    while (checkedBus(bus_->sd.process(bus_->connection, nullptr)) > 0) {
     }
   };
   takeAll();
   if (bus_->chosen.empty() && bus_->closed.empty() && wait.count() > 0) {
-    checked(bus_->sd.wait(bus_->connection, static_cast<uint64_t>(wait.count()) * 1000));
+    checkedBus(bus_->sd.wait(bus_->connection, static_cast<uint64_t>(wait.count()) * 1000));
     takeAll();
   }
   const auto chosen = std::exchange(bus_->chosen, {});

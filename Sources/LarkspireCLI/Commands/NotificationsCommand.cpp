@@ -66,7 +66,7 @@ void writeUpcoming(JsonWriter& json, const UpcomingNotification& upcoming, DateT
   json.endObject();
 }
 
-std::string jsonOf(const NotificationInfo& info) {
+std::string notificationJson(const NotificationInfo& info) {
   DateTexts dates;
   std::string out;
   JsonWriter json(out);
@@ -115,7 +115,7 @@ void NotificationsCommand::run() {
   resolvedCollection(options.collection, options.quiet);
   CacheReader cache(LKParts::tasks);
   if (options.json) {
-    printLine(jsonOf(notificationInfo(cache, Instant::now())));
+    printLine(notificationJson(notificationInfo(cache, Instant::now())));
     return;
   }
   const Terminal terminal = Terminal::ofStandardOutput();
