@@ -129,10 +129,15 @@ Instant Day::utcMidnight() const {
 }
 
 Instant Day::localStart() const {
+  return localHour(0);
+}
+
+Instant Day::localHour(int hour) const {
   std::tm parts{};
   parts.tm_year = year - 1900;
   parts.tm_mon = month - 1;
   parts.tm_mday = day;
+  parts.tm_hour = hour;
   parts.tm_isdst = -1;
   return {std::mktime(&parts), 0};
 }

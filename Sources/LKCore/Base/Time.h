@@ -43,6 +43,9 @@ struct Day {
   Instant utcMidnight() const;
   // The first moment of the day in the current time zone.
   Instant localStart() const;
+  // When the clocks of the current time zone show this hour, 0 to 23, on the day; where they skip
+  // it, an hour beside it.
+  Instant localHour(int hour) const;
 
   auto operator<=>(const Day&) const = default;
 };

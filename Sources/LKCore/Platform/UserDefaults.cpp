@@ -3,15 +3,20 @@
 #include "LKCore/Base/Json.h"
 #include "LKCore/Platform/Directories.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/SharedFile.h"
 
 namespace lk::userDefaults {
 
 namespace {
 
+std::filesystem::path settingsFile() {
+  return directories::configuration() / "Larkspire/defaults.json";
+}
+
 // Null when there is no such value.
 Json valueOf(std::string_view key) {
   try {
-    const Json all = parseJson(readFile(directories::configuration() / "Larkspire/defaults.json"));
+    const Json all = parseJson(readFile(settingsFile()));
     const auto found = all.is_object() ? all.find(std::string(key)) : all.end();
     return found == all.end() ? Json() : *found;
   } catch (const Error&) {
@@ -36,6 +41,11 @@ std::optional<std::string> string(std::string_view key) {
 std::optional<bool> boolean(std::string_view key) {
   const Json value = valueOf(key);
   return value.is_boolean() ? std::optional(value.get<bool>()) : std::nullopt;
+}
+
+void setInteger(std::string_view key, int64_t value) {
+  changeSharedObject(settingsFile(), Instant::now(),
+                     [&](Json& settings) { settings[std::string(key)] = value; });
 }
 
 }  // namespace lk::userDefaults

@@ -14,4 +14,8 @@ std::optional<int64_t> integer(std::string_view key);
 std::optional<std::string> string(std::string_view key);
 std::optional<bool> boolean(std::string_view key);
 
+// Sets one value and leaves all others; a file that is no JSON object is kept aside. Throws
+// FileError.
+void setInteger(std::string_view key, int64_t value);
+
 }  // namespace lk::userDefaults
