@@ -5,7 +5,9 @@
 #include <optional>
 
 #include "LKCore/Base/Text.h"
+#include "LarkspireCLI/CompletionValues.h"
 #include "LarkspireCLI/Help.h"
+#include "LarkspireCLI/Manual.h"
 #include "LarkspireCLI/Support/ArgumentParser.h"
 
 namespace lk {
@@ -127,6 +129,12 @@ Request parseLeaf(const LeafLine& line) {
 }  // namespace
 
 Request LK::parseAsRoot(const std::vector<std::string>& arguments) {
+  if (!arguments.empty() && arguments.front() == completeWord) {
+    return CompletionValuesRequest{{std::next(arguments.begin()), arguments.end()}};
+  }
+  if (!arguments.empty() && arguments.front() == manualWord) {
+    return ManualRequest{{std::next(arguments.begin()), arguments.end()}};
+  }
   LeafLine line;
   line.path = {&LK::configuration()};
   refuseInvalidUTF8(line.path, arguments);

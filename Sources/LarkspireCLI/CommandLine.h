@@ -21,7 +21,16 @@ struct VersionRequest {};
 struct CompletionRequest {
   std::string_view shell;  // one of completionShells
 };
-using Request = std::variant<CommandRun, HelpRequest, VersionRequest, CompletionRequest>;
+// What completion scripts and the build ask for, with the words after the first one; see
+// CompletionValues.h and Manual.h. Not in the command tree, since no person types it.
+struct CompletionValuesRequest {
+  std::vector<std::string> words;
+};
+struct ManualRequest {
+  std::vector<std::string> words;
+};
+using Request = std::variant<CommandRun, HelpRequest, VersionRequest, CompletionRequest,
+                             CompletionValuesRequest, ManualRequest>;
 
 // A command line that can't be understood; status 64. The description is the whole text for
 // standard error: what is wrong, the nearest right word, the usage and where to read on.

@@ -4,6 +4,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LarkspireCLI/CommandTree.h"
+#include "LarkspireCLI/CompletionValues.h"
 
 namespace lk {
 
@@ -61,7 +62,16 @@ bool offersFiles(const Argument& argument) {
 }
 
 bool offersFolders(const Argument& argument) {
-  return argument.completion == Completion::folder;
+  return argument.completion == Completion::folder ||
+         argument.completion == Completion::collectionOrFolder;
+}
+
+// How the tool is asked for the values, as "note argument" (CompletionValues.h); empty when the
+// shell knows them by itself.
+std::string toolQuestion(const Argument& argument) {
+  const std::string name(completionName(argument.completion));
+  if (name.empty()) return "";
+  return name + (argument.kind == Argument::Kind::positional ? " argument" : " value");
 }
 
 // --- bash ----------------------------------------------------------------------------------------
@@ -73,36 +83,56 @@ constexpr std::string_view bashHead =
 
 constexpr std::string_view bashTail = R"(
 _lk() {
-  local cur=${COMP_WORDS[COMP_CWORD]} place=lk expecting= word i
-  local subcommands options valued values
+  local cur=${COMP_WORDS[COMP_CWORD]} place=lk position=1 expecting= option= bare= word i
+  local subcommands options valued values tool=${1:-lk}
   _lk_place lk
-  for ((i = 1; i < COMP_CWORD; i++)); do
+  for ((i = 1; i <= COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]}
-    if [[ -n $expecting ]]; then
-      # bash hands "--sort=title" over as three words.
-      [[ $word == = ]] || expecting=
-    elif [[ $word == -* ]]; then
+    if [[ $word == [:=@] ]]; then
+      # bash hands "--sort=title" and "Plan: beds" over as three words.
+      expecting=$option
+      [[ -n $option ]] || ((position > 1 && position--))
+    elif ((i == COMP_CWORD)); then
+      break
+    elif [[ -n $expecting ]]; then
+      expecting=
+    elif [[ $word == -- && -z $bare ]]; then
+      bare=yes option=
+    elif [[ $word == -* && -z $bare ]]; then
       [[ " $valued " == *" $word "* ]] && expecting=$word
-    elif [[ " $subcommands " == *" $word "* ]]; then
-      place+=" $word"
+      option=$expecting
+    elif [[ " $subcommands " == *" $word "* && $position == 1 && -z $bare ]]; then
+      place+=" $word" option=
       _lk_place "$place"
     else
-      subcommands=
+      ((position++))
+      option=
     fi
   done
-  [[ $cur == = ]] && cur=
+  [[ $cur == [:=@] ]] && cur=
   COMPREPLY=()
-  if [[ -z $expecting && $cur == -* ]]; then
+  if [[ -z $expecting && -z $bare && $cur == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
     return
   fi
-  _lk_values "$place $expecting"
-  case $values in
-    :file) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
-    :folder) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$cur") ;;
-    *) mapfile -t COMPREPLY < <(compgen -W "$values" -- "$cur") ;;
-  esac
-  if [[ -z $expecting && -n $subcommands ]]; then
+  _lk_values "$place ${expecting:-$position}"
+  if [[ $values == *:ask* ]]; then
+    # The tool quotes what it gives, so bash must not.
+    mapfile -t COMPREPLY < <(
+      # shellcheck disable=SC2086
+      "${tool/#\~\//$HOME/}" __complete bash ${values#*:ask } "${COMP_LINE:0:COMP_POINT}" 2>/dev/null
+    )
+  elif [[ $values != :* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$values" -- "$cur")
+  fi
+  if [[ $values == :file* ]]; then
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+  elif [[ $values == :folder* && ${#COMPREPLY[@]} == 0 ]]; then
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -d -- "$cur")
+  fi
+  if [[ -z $expecting$bare && -n $subcommands && $position == 1 ]]; then
     mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$subcommands" -- "$cur")
   fi
 }
@@ -112,8 +142,9 @@ complete -F _lk lk
 
 std::string bashValues(const Argument& argument) {
   if (offersFiles(argument)) return ":file";
-  if (offersFolders(argument)) return ":folder";
-  return joined(argument.choices);
+  const std::string asked = toolQuestion(argument).empty() ? "" : ":ask " + toolQuestion(argument);
+  if (offersFolders(argument)) return ":folder" + asked;
+  return asked.empty() ? joined(argument.choices) : asked;
 }
 
 std::string bashScript() {
@@ -123,12 +154,13 @@ std::string bashScript() {
     std::vector<std::string> subcommands;
     std::vector<std::string> options;
     std::vector<std::string> valued;
+    size_t position = 0;
     for (const auto& command : place.configuration.subcommands) {
       subcommands.emplace_back(command.commandName);
     }
     for (const Argument& argument : place.arguments) {
       const bool positional = argument.kind == Argument::Kind::positional;
-      const std::string name = positional ? "" : std::string(argument.name);
+      const std::string name = positional ? std::to_string(++position) : std::string(argument.name);
       if (!positional) options.push_back(name);
       if (argument.takesValue()) valued.push_back(name);
       const std::string offered = bashValues(argument);
@@ -142,12 +174,46 @@ std::string bashScript() {
               "\n      valued=" + shellWord(joined(valued)) + " ;;\n";
   });
   return std::string(bashHead) + "_lk_place() {\n  case $1 in\n" + places +
-         "  esac\n}\n\n# The words for a place and option, or :file, or :folder.\n_lk_values() "
+         "  esac\n}\n\n# For a place and an option or the position of an argument: the words, or "
+         ":file,\n# :folder, or what to :ask the tool for.\n_lk_values() "
          "{\n" +
          "  values=\n  case $1 in\n" + values + "  esac\n}\n" + std::string(bashTail);
 }
 
 // --- zsh -----------------------------------------------------------------------------------------
+
+constexpr std::string_view zshHead =
+    R"zsh(#compdef lk
+# Completion of lk for zsh, made by: lk --generate-completion-script zsh
+
+# The values of a kind, asked of the tool with all the words before the cursor.
+__lk_values() {
+  local -a found
+  found=(${(f)"$(__lk_ask "$@")"})
+  compadd -a found
+}
+
+__lk_ask() {
+  "${__lk_line[1]/#\~\//$HOME/}" __complete words "$@" "${(@)__lk_line[2,-1]}" 2>/dev/null
+}
+
+)zsh";
+
+// The words as they are typed, which the functions of the subcommands no longer see whole.
+constexpr std::string_view zshTail =
+    R"(__lk_whole() {
+  local -a __lk_line
+  __lk_line=("${(@Q)words[1,CURRENT-1]}")
+  _lk "$@"
+}
+
+if [[ $funcstack[1] == _lk ]]; then
+  compdef __lk_whole lk
+  __lk_whole "$@"
+else
+  compdef __lk_whole lk
+fi
+)";
 
 // A text inside a specification of _arguments, where brackets and colons mean something.
 std::string zshText(std::string_view text) {
@@ -161,7 +227,10 @@ std::string zshText(std::string_view text) {
 
 std::string zshAction(const Argument& argument) {
   if (offersFiles(argument)) return "_files";
-  if (offersFolders(argument)) return "_files -/";
+  const std::string asked =
+      toolQuestion(argument).empty() ? "" : "__lk_values " + toolQuestion(argument);
+  if (offersFolders(argument)) return asked.empty() ? "_files -/" : "{ " + asked + "; _files -/ }";
+  if (!asked.empty()) return "{ " + asked + " }";
   return argument.choices.empty() ? "" : "(" + joined(argument.choices) + ")";
 }
 
@@ -190,7 +259,8 @@ std::string zshFunction(const Place& place) {
     }
     text += "  )\n";
   }
-  text += group ? "  _arguments -C" : "  _arguments";
+  // After "--" no option is left to offer.
+  text += group ? "  _arguments -C" : "  _arguments -S";
   size_t position = 0;
   for (const Argument& argument : place.arguments) {
     if (group && argument.kind == Argument::Kind::positional) continue;
@@ -205,33 +275,50 @@ std::string zshFunction(const Place& place) {
 }
 
 std::string zshScript() {
-  std::string text =
-      "#compdef lk\n# Completion of lk for zsh, made by: lk --generate-completion-script zsh\n\n";
+  std::string text(zshHead);
   visitTree([&](const Place& place) { text += zshFunction(place); });
-  return text + "if [[ $funcstack[1] == _lk ]]; then\n  _lk \"$@\"\nelse\n  compdef _lk lk\nfi\n";
+  return text + std::string(zshTail);
 }
 
 // --- fish ----------------------------------------------------------------------------------------
 
 constexpr std::string_view fishWalk = R"(
-# The command words so far: "lk tasks add".
+# The command words so far ("lk tasks add"), and the position of the argument that comes next.
 function __lk_place
     set -l place lk
+    set -l position 1
     set -l skip false
+    set -l bare false
     for word in (commandline -opc)[2..-1]
         if test $skip = true
             set skip false
-        else if contains -- "$place $word" $__lk_places
+        else if test $bare = false -a "$word" = --
+            set bare true
+        else if test $bare = false -a $position = 1; and contains -- "$place $word" $__lk_places
             set place "$place $word"
-        else if contains -- "$place $word" $__lk_valued
+        else if test $bare = false; and contains -- "$place $word" $__lk_valued
             set skip true
+        else if test $bare = true; or not string match -q -- '-*' "$word"
+            set position (math $position + 1)
         end
     end
     echo $place
+    echo $position
 end
 
-function __lk_at
-    test (__lk_place) = "$argv"
+# True at the place, and at that argument of it where a position is given.
+function __lk_at -a place position
+    set -l here (__lk_place)
+    test "$here[1]" = "$place"; and begin
+        test -z "$position"; or test "$here[2]" = "$position"
+    end
+end
+
+# The values of a kind, asked of the tool with all the words before the cursor.
+function __lk_values
+    set -l line (commandline -opc)
+    set -l tool (string replace -r '^~/' -- "$HOME/" $line[1])
+    $tool __complete words $argv $line[2..-1] 2>/dev/null
 end
 
 complete -c lk -f
@@ -243,24 +330,37 @@ std::string fishQuoted(std::string_view text) {
   return "'" + text::replacingAll(escaped, "'", "\\'") + "'";
 }
 
+std::string fishValues(const Argument& argument) {
+  if (offersFiles(argument)) return " -F";
+  const std::string asked =
+      toolQuestion(argument).empty() ? "" : "__lk_values " + toolQuestion(argument);
+  if (offersFolders(argument)) {
+    return " -a '(" + (asked.empty() ? "" : asked + "; ") + "__fish_complete_directories)'";
+  }
+  if (!asked.empty()) return " -a '(" + asked + ")'";
+  return argument.choices.empty() ? "" : " -a " + fishQuoted(joined(argument.choices));
+}
+
 std::string fishScript() {
   std::string places = "set -g __lk_places";
   std::string valued = "set -g __lk_valued";
   std::string rules;
   visitTree([&](const Place& place) {
     places += " " + fishQuoted(place.words);
-    const std::string rule = "complete -c lk -n " + fishQuoted("__lk_at " + place.words);
+    const auto ruleAt = [&](const std::string& position) {
+      return "complete -c lk -n " + fishQuoted("__lk_at '" + place.words + "'" + position);
+    };
+    const std::string rule = ruleAt("");
+    size_t position = 0;
     for (const CommandConfiguration& command : place.configuration.subcommands) {
-      rules += rule + " -a " + std::string(command.commandName) + " -d " +
+      rules += ruleAt(" 1") + " -a " + std::string(command.commandName) + " -d " +
                fishQuoted(command.abstract) + "\n";
     }
     for (const Argument& argument : place.arguments) {
-      std::string values;
-      if (offersFiles(argument)) values = " -F";
-      if (offersFolders(argument)) values = " -a '(__fish_complete_directories)'";
-      if (!argument.choices.empty()) values = " -a " + fishQuoted(joined(argument.choices));
+      const std::string values = fishValues(argument);
       if (argument.kind == Argument::Kind::positional) {
-        if (!values.empty()) rules += rule + values + "\n";
+        const std::string at = ruleAt(" " + std::to_string(++position));
+        if (!values.empty()) rules += at + values + "\n";
         continue;
       }
       rules += rule + " -l " + std::string(argument.name.substr(2));

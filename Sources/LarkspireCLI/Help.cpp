@@ -17,15 +17,6 @@ struct Row {
 constexpr size_t widestTerm = 26;
 constexpr size_t indent = 2;
 
-// A default that the help text doesn't tell by itself.
-std::string untoldDefault(const Argument& argument) {
-  const std::string held = argument.heldText();
-  const bool told = argument.help.find("efault: ") != std::string_view::npos ||
-                    argument.help.find("default)") != std::string_view::npos;
-  const bool hasDefault = argument.takesValue() && !argument.required && !held.empty();
-  return hasDefault && !told ? " (default: " + held + ")" : "";
-}
-
 Row row(const Argument& argument) {
   std::string term;
   if (!argument.shortName.empty()) term.append(argument.shortName).append(", ");
@@ -36,7 +27,7 @@ Row row(const Argument& argument) {
   }
   if (argument.takesValue()) term.append(" <").append(argument.valueName).append(">");
   if (argument.isRepeatable()) term += "...";
-  return {term, std::string(argument.help) + untoldDefault(argument)};
+  return {term, helpWithDefault(argument)};
 }
 
 class HelpPrinter {
@@ -132,6 +123,14 @@ std::string closingLine(const CommandPath& path) {
 }
 
 }  // namespace
+
+std::string helpWithDefault(const Argument& argument) {
+  const std::string held = argument.heldText();
+  const bool told = argument.help.find("efault: ") != std::string_view::npos ||
+                    argument.help.find("default)") != std::string_view::npos;
+  const bool hasDefault = argument.takesValue() && !argument.required && !held.empty();
+  return std::string(argument.help) + (hasDefault && !told ? " (default: " + held + ")" : "");
+}
 
 std::string usageLine(const CommandPath& path) {
   const CommandConfiguration& command = *path.back();

@@ -8,7 +8,9 @@
 #include "LKCore/Base/Json.h"
 #include "LarkspireCLI/CommandLine.h"
 #include "LarkspireCLI/CompletionScript.h"
+#include "LarkspireCLI/CompletionValues.h"
 #include "LarkspireCLI/Help.h"
+#include "LarkspireCLI/Manual.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/Output.h"
 
@@ -35,6 +37,10 @@ struct Answer {
   void operator()(const CompletionRequest& completion) const {
     printText(completionScript(completion.shell));
   }
+  void operator()(const CompletionValuesRequest& values) const {
+    printText(completionValues(values.words));
+  }
+  void operator()(const ManualRequest& manual) const { writeManual(manual.words); }
 };
 
 int attempt(const std::vector<std::string>& arguments) {

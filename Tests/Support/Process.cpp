@@ -46,6 +46,8 @@ class MemoryFile {
   int fd_;
 };
 
+}  // namespace
+
 std::vector<char*> pointers(std::vector<std::string>& texts) {
   std::vector<char*> result;
   for (std::string& text : texts) result.push_back(text.data());
@@ -53,14 +55,18 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
   return result;
 }
 
-std::vector<std::string> environmentFor(const fs::path& home,
-                                        const std::map<std::string, std::string>& added) {
+Sandbox::Sandbox() {
+  fs::create_directory(folder_ / "tmp");
+}
+
+std::vector<std::string> Sandbox::environment(
+    const std::map<std::string, std::string>& added) const {
   std::map<std::string, std::string> variables = {
-      {"HOME", home.string()},
-      {"XDG_DATA_HOME", (home / "data").string()},
-      {"XDG_CONFIG_HOME", (home / "config").string()},
-      {"XDG_CACHE_HOME", (home / "cache").string()},
-      {"TMPDIR", (home / "tmp").string()},
+      {"HOME", home().string()},
+      {"XDG_DATA_HOME", (home() / "data").string()},
+      {"XDG_CONFIG_HOME", (home() / "config").string()},
+      {"XDG_CACHE_HOME", (home() / "cache").string()},
+      {"TMPDIR", (home() / "tmp").string()},
       {"TZ", "UTC"},
       {"LC_ALL", "C.UTF-8"},
   };
@@ -76,12 +82,6 @@ std::vector<std::string> environmentFor(const fs::path& home,
   return result;
 }
 
-}  // namespace
-
-Sandbox::Sandbox() {
-  fs::create_directory(folder_ / "tmp");
-}
-
 ProcessResult Sandbox::run(const std::string& program, const std::vector<std::string>& arguments,
                            const ProcessOptions& options) const {
   const MemoryFile input;
@@ -90,7 +90,7 @@ ProcessResult Sandbox::run(const std::string& program, const std::vector<std::st
   input.fill(options.input);
   std::vector<std::string> words = {program};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables = environmentFor(home(), options.environment);
+  std::vector<std::string> variables = environment(options.environment);
   const std::vector<char*> argv = pointers(words);
   const std::vector<char*> envp = pointers(variables);
   const fs::path folder = options.folder.empty() ? home() : options.folder;

@@ -34,6 +34,9 @@ class Sandbox {
 
   const std::filesystem::path& home() const { return folder_.path(); }
 
+  // "NAME=value" for each variable of a program that runs here, `added` included.
+  std::vector<std::string> environment(const std::map<std::string, std::string>& added) const;
+
   // Runs `program` (a path, or a name found in PATH) to its end; after 60 seconds it is killed.
   ProcessResult run(const std::string& program, const std::vector<std::string>& arguments,
                     const ProcessOptions& options = {}) const;
@@ -44,5 +47,8 @@ class Sandbox {
  private:
   TempFolder folder_;
 };
+
+// The texts as the null-terminated list that exec takes; it points into them.
+std::vector<char*> pointers(std::vector<std::string>& texts);
 
 }  // namespace lk::test

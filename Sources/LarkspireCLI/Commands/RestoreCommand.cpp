@@ -34,7 +34,8 @@ fs::path trashedNote(const std::vector<fs::path>& trashed,
 }  // namespace
 
 void RestoreCommand::declare(ArgumentList& arguments) {
-  arguments.positional("reference", reference, "Trashed note title.");
+  arguments.positional("reference", reference, "Trashed note title.").completion =
+      Completion::trashedTitle;
   arguments.option("--id", id, "Look up the trashed note by UUID.").valueName = "uuid";
 }
 

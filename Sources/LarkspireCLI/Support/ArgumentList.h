@@ -39,10 +39,12 @@ enum class Completion {
   file,
   folder,
   noteTitle,
+  trashedTitle,
   tag,
   project,
   context,
   collection,
+  collectionOrFolder,
   property,
   query,
 };

@@ -9,7 +9,7 @@ void GlobalOptions::declare(ArgumentList& arguments) {
       arguments.option("--collection", collection,
                        "Override collection location (default: auto-detect iCloud/local).");
   folder.valueName = "path";
-  folder.completion = Completion::folder;
+  folder.completion = Completion::collectionOrFolder;
   folder.global = true;
   arguments.flag("--json", json, "Output as JSON instead of human-readable text.").global = true;
   arguments.flag("--quiet", quiet, "Suppress non-essential output.").global = true;
