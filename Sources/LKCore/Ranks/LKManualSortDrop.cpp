@@ -53,7 +53,7 @@ bool rebalance(const Placement& placement, RankedList list, const Entry* primary
   log::warning("Manual sort: rank space exhausted — rebalancing");
   if (primary != nullptr && primary->url) {
     const auto place = list.notes.begin() + static_cast<std::ptrdiff_t>(list.insertIndex);
-    list.notes.insert(place, {*primary->url, placement.primaryID});
+    list.notes.insert(place, LKTagRankSeed{*primary->url, placement.primaryID});
   }
   try {
     const auto ranks = LKNoteFileService::seedTagRanks(list.notes, placement.contextKey);
