@@ -8,6 +8,7 @@
 #include "LKCore/NoteFiles/LKFileDates.h"
 #include "LKCore/NoteFiles/LKFileWrite.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
+#include "LKCore/NoteFiles/LKRank.h"
 #include "LKCore/NoteFiles/LKSyncError.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
 #include "LKCore/NoteRepository/LKNoteFileError.h"
@@ -183,6 +184,17 @@ void setTagRank(const fs::path& url, const std::string& tagPath,
       frontMatter.tagRanks.erase(tagPath);
     }
   });
+}
+
+std::unordered_map<UUID, std::string> seedTagRanks(const std::vector<LKTagRankSeed>& notes,
+                                                   const std::string& tagPath) {
+  const std::vector<std::string> ranks = LKRank::spread(notes.size());
+  std::unordered_map<UUID, std::string> ranksOfNotes;
+  for (size_t i = 0; i < notes.size(); ++i) {
+    setTagRank(notes[i].url, tagPath, ranks[i], ModificationTime::preserved);
+    ranksOfNotes[notes[i].noteID] = ranks[i];
+  }
+  return ranksOfNotes;
 }
 
 void lockName(const fs::path& url) {

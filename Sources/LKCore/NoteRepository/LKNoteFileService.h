@@ -20,6 +20,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "LKCore/Base/Time.h"
 #include "LKCore/Base/UUID.h"
@@ -50,6 +52,12 @@ struct NoteChange {
   // What must see body and block together, applied before all of them. The task entries that it
   // leaves say which line has which id: one without a hash belongs to the task line at its index.
   std::function<void(std::string& body, LKFileFrontMatter&)> documentTransform;
+};
+
+// A note that gets a rank in the order of a list.
+struct LKTagRankSeed {
+  std::filesystem::path url;
+  UUID noteID;
 };
 
 namespace LKNoteFileService {
@@ -83,6 +91,11 @@ void setFrontMatter(const std::filesystem::path& url, ModificationTime time,
 // Sets the note's manual rank under a tag, or removes it.
 void setTagRank(const std::filesystem::path& url, const std::string& tagPath,
                 const std::optional<std::string>& rank, ModificationTime time);
+
+// Gives every note of the list a fresh rank under the tag, in the order of the list, and keeps the
+// files' modification times. A failure leaves the ranks that were written before it.
+std::unordered_map<UUID, std::string> seedTagRanks(const std::vector<LKTagRankSeed>& notes,
+                                                   const std::string& tagPath);
 
 // Fixes the file's name, so that nothing renames it after its first line.
 void lockName(const std::filesystem::path& url);

@@ -29,7 +29,7 @@ const std::vector<std::vector<std::string>> kFloors = {
     {"Backlinks", "CacheSync"},
     {"NoteRepository"},
     {"DailyNotes", "Properties", "Templates", "Queries", "Notifications", "Import", "Rendering",
-     "Bind"},
+     "Ranks", "Bind"},
 };
 
 std::map<std::string, size_t> floorOfFolder() {
