@@ -19,15 +19,7 @@ struct sd_bus_slot;
 
 namespace lk {
 
-namespace {
-
-constexpr const char* kBusLibrary = "libsystemd.so.0";
-constexpr const char* kService = "org.freedesktop.Notifications";
-constexpr const char* kServicePath = "/org/freedesktop/Notifications";
-constexpr uint64_t kCallMicroseconds = 5'000'000;
-constexpr int32_t kServiceDecides = -1;  // how long a notification stays
-
-using MessageHandler = int (*)(sd_bus_message*, void*, void*);
+using BusMessageHandler = int (*)(sd_bus_message*, void*, void*);
 
 // The functions of the library under the names that it gives them, without the prefix.
 struct BusLibrary {
@@ -42,10 +34,18 @@ struct BusLibrary {
   sd_bus_message* (*message_unref)(sd_bus_message*);
   int (*call)(sd_bus*, sd_bus_message*, uint64_t, void*, sd_bus_message**);
   int (*match_signal)(sd_bus*, sd_bus_slot**, const char*, const char*, const char*, const char*,
-                      MessageHandler, void*);
+                      BusMessageHandler, void*);
   int (*process)(sd_bus*, sd_bus_message**);
   int (*wait)(sd_bus*, uint64_t);
 };
+
+namespace {
+
+constexpr const char* kBusLibrary = "libsystemd.so.0";
+constexpr const char* kService = "org.freedesktop.Notifications";
+constexpr const char* kServicePath = "/org/freedesktop/Notifications";
+constexpr uint64_t kCallMicroseconds = 5'000'000;
+constexpr int32_t kServiceDecides = -1;  // how long a notification stays
 
 template <typename Function>
 bool loadFunction(void* library, const char* name, Function& function) {
@@ -90,9 +90,9 @@ int checkedBus(int result) {
 using BusMessage = std::unique_ptr<sd_bus_message, sd_bus_message* (*)(sd_bus_message*)>;
 
 std::string escapedMarkup(std::string_view plain) {
-  std::string text = text::replacingAll(plain, "&", "&amp;");
-  text = text::replacingAll(text, "<", "&lt;");
-  return text::replacingAll(text, ">", "&gt;");
+  std::string markup = text::replacingAll(plain, "&", "&amp;");
+  markup = text::replacingAll(markup, "<", "&lt;");
+  return text::replacingAll(markup, ">", "&gt;");
 }
 
 }  // namespace
@@ -134,7 +134,7 @@ struct DesktopNotifications::Bus {
     return reads;
   }
 
-  void listen(const char* signal, MessageHandler handler) {
+  void listen(const char* signal, BusMessageHandler handler) {
     checkedBus(sd.match_signal(connection, nullptr, kService, kServicePath, kService, signal,
                                handler, this));
   }

@@ -8,7 +8,9 @@
 //       "id" : "8D116ECE-1738-47D9-BD9C-172411E20B8F",
 //       "name" : "Waiting seeds",
 //       "rules" : [ { "field" : "tag", "op" : "isUnder", "value" : "garden" } ],
-//       "taskGroup" : { "rules" : [ { "field" : "taskCompletion", "op" : "isFalse", "value" : "" } ] }
+//       "taskGroup" : {
+//         "rules" : [ { "field" : "taskCompletion", "op" : "isFalse", "value" : "" } ]
+//       }
 //     }
 //
 // `isBuiltIn`, `symbolName`, `tintColorName` and `taskGroup` may be missing. Members that nobody
