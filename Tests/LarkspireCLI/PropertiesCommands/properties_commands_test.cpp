@@ -92,7 +92,7 @@ class PropertiesCommands : public test::Reading {
  protected:
   void noteWith(const std::string& path, const std::map<std::string, std::string>& properties,
                 const std::string& body = "Words.") const {
-    note(path, body, 0, [&](LKFileFrontMatter& block) { block.userProperties = properties; });
+    note(path, body, 0, [&](LKFileFrontMatter& front) { front.userProperties = properties; });
   }
   std::string block(const std::string& path) const { return test::readWhole(file(path)); }
 };
