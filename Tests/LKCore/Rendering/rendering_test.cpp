@@ -320,6 +320,15 @@ TEST(HTMLBody, ShowsATitleAsNothingButText) {
   }
 }
 
+TEST(HTMLBody, MakesNoPageTagOfPieces) {
+  const SharingOptions& sharing = SharingOptions::sharing();
+  for (const char* text : {"<[[script]]>x", "<div>\n<<a href=\"a.pdf\">script</a>>x",
+                           "![](%3Cscript%3E.zip)", "~~~\n```\n~~~\n<script>", "`a\n<script>"}) {
+    const std::string html = rendered(text, sharing);
+    EXPECT_EQ(html.find("<script"), std::string::npos) << html;
+  }
+}
+
 TEST(HTMLBody, NamesTheTitlesItLinksTo) {
   SharingOptions options;
   options.stripComments = true;
