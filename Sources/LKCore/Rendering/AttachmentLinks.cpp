@@ -166,8 +166,10 @@ std::string renderAttachmentLinks(std::string html, SharingOptions::AttachmentHa
   if (copied == 0) return html;
   result.append(html, copied);
   // What is left when a link goes can complete a page's tag within raw HTML.
-  const bool isStripped = handling == SharingOptions::AttachmentHandling::strip;
-  return isStripped ? neutralisePageTags(std::move(result)) : result;
+  if (handling == SharingOptions::AttachmentHandling::strip) {
+    return neutralisePageTags(std::move(result));
+  }
+  return result;
 }
 
 }  // namespace lk::LKMarkdownToHTML
