@@ -99,9 +99,11 @@ std::optional<std::string> linkForImage(std::string_view tag, std::string_view s
 std::string bindTaskIDs(std::string html, Checkboxes boxes) {
   // A search that fails behind the attributes fails from every place within them.
   static const Pattern box(
-      R"re(<input type="checkbox"([^>]*+)(*SKIP)>(\s*+)<!--lkid:([0-9A-Fa-f-]++)-->)re");
+      R"re(<input type="checkbox"([^>]*+)(*SKIP)>(\s*+)<!--lkid:([0-9A-Fa-f-]+)-->)re");
   static const Pattern disabled(R"re(\s+disabled(="")?)re");
-  if (html.find("<!--lkid:") == std::string::npos) return html;
+  // Where cmark saw no task (in code, or within a block of HTML) a marker has no box before it.
+  static const Pattern unbound("(?:<|&lt;)!--lkid:[0-9A-Fa-f-]{36}--(?:>|&gt;)");
+  if (html.find("!--lkid:") == std::string::npos) return html;
   std::string result;
   result.reserve(html.size());
   size_t copied = 0;
@@ -118,7 +120,8 @@ std::string bindTaskIDs(std::string html, Checkboxes boxes) {
     result.append(isClosed ? "\" />" : "\">").append(match[2]->of(html));
     copied = match[0]->end;
   }
-  return result.append(html, copied);
+  result.append(html, copied);
+  return result.find("!--lkid:") == std::string::npos ? result : unbound.replacingAll(result, "");
 }
 
 std::string applySourceFragments(std::string html) {
