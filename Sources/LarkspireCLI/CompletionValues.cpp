@@ -30,8 +30,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Values = std::set<std::string>;
-
 struct CompletionKind {
   std::string_view name;
   Completion kind;
@@ -73,8 +71,8 @@ std::optional<std::string> collectionNamedIn(const std::vector<std::string>& wor
 
 // --- What ----------------------------------------------------------------------------------------
 
-Values offeredCollections() {
-  Values names;
+std::set<std::string> offeredCollections() {
+  std::set<std::string> names;
   for (const LKCollectionRecord& record : LKCollectionStore::shared().collections()) {
     names.insert(record.name);
   }
@@ -91,8 +89,8 @@ bool isInHiddenFolder(const fs::path& file, const fs::path& collection) {
 }
 
 // Daily notes are named by their day and would only be in the way.
-Values offeredTitles(const fs::path& collection) {
-  Values titles;
+std::set<std::string> offeredTitles(const fs::path& collection) {
+  std::set<std::string> titles;
   for (const fs::path& file : LKFileIndex::noteFiles(collection)) {
     if (!isInHiddenFolder(file, collection) && !LKNoteFilename::isUntitledFilename(file)) {
       titles.insert(LKNoteFilename::displayName(file));
@@ -101,22 +99,22 @@ Values offeredTitles(const fs::path& collection) {
   return titles;
 }
 
-Values offeredTrashedTitles(const fs::path& collection) {
-  Values titles;
+std::set<std::string> offeredTrashedTitles(const fs::path& collection) {
+  std::set<std::string> titles;
   for (const fs::path& file : NoteFinder::notesDirectlyIn(collection / ".trash")) {
     titles.insert(LKNoteFilename::displayName(file));
   }
   return titles;
 }
 
-Values offeredTags() {
+std::set<std::string> offeredTags() {
   CacheReader cache(LKParts::tags);
-  Values names;
+  std::set<std::string> names;
   for (const TagRow& row : OutputFormatter::tagRows(cache.fetchTags())) names.insert(row.tag);
   return names;
 }
 
-Values offeredProjectsOrContexts(Completion kind) {
+std::set<std::string> offeredProjectsOrContexts(Completion kind) {
   CacheReader cache(LKParts::tags | LKParts::tasks);
   LKContext* index = cache.container();
   if (index == nullptr) return {};
@@ -128,19 +126,19 @@ Values offeredProjectsOrContexts(Completion kind) {
 }
 
 // The member "name" of the object, or of each object in the array, that a file holds.
-void addNamesInFile(const fs::path& file, Values& names) {
+void addNamesInFile(const fs::path& file, std::set<std::string>& names) {
   try {
     const Json content = parseJson(readFile(file));
     for (const Json& each : content.is_array() ? content : Json::array({content})) {
       if (const auto name = stringMember(each, "name")) names.insert(*name);
     }
-  } catch (const Error&) {
+  } catch (const std::exception&) {
     return;  // not there, or not ours
   }
 }
 
-Values offeredProperties(const fs::path& collection) {
-  Values names;
+std::set<std::string> offeredProperties(const fs::path& collection) {
+  std::set<std::string> names;
   addNamesInFile(collection / ".properties" / "schema.json", names);
   CacheReader cache(LKParts::none);
   for (const LKNote* note : cache.fetchNotes()) {
@@ -149,8 +147,8 @@ Values offeredProperties(const fs::path& collection) {
   return names;
 }
 
-Values offeredQueries(const fs::path& collection) {
-  Values names;
+std::set<std::string> offeredQueries(const fs::path& collection) {
+  std::set<std::string> names;
   std::error_code none;
   for (const auto& entry : fs::directory_iterator(collection / ".queries", none)) {
     if (entry.path().extension() == ".json") addNamesInFile(entry.path(), names);
@@ -158,7 +156,7 @@ Values offeredQueries(const fs::path& collection) {
   return names;
 }
 
-Values offeredValues(Completion kind, const std::vector<std::string>& words) {
+std::set<std::string> offeredValues(Completion kind, const std::vector<std::string>& words) {
   if (kind == Completion::collection) return offeredCollections();
   const fs::path collection = resolvedCollectionAsItStands(collectionNamedIn(words), true);
   switch (kind) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -50,6 +51,21 @@ TEST(ShellLine, isReadAsTheShellReadsIt) {
       {"lk \\", "lk|\\ 0"},
   };
   for (const auto& [line, words] : rows) EXPECT_EQ(shown(shellCommands(line)), words) << line;
+}
+
+TEST(ShellLine, givesBackWhatWasQuoted) {
+  std::string all;
+  for (char c = ' '; c <= '~'; ++c) all += c;
+  for (const std::string& value : {all, std::string("Grüße 日本"), std::string("a\\")}) {
+    for (const std::string quote : {"", "\"", "'"}) {
+      const std::string line =
+          "lk x " + quote + shellQuoted(value, quote.empty() ? '\0' : quote.front()) + quote;
+      const std::vector<ShellWords> commands = shellCommands(line);
+      ASSERT_EQ(commands.size(), 1U) << line;
+      ASSERT_EQ(commands.front().size(), 3U) << line;
+      EXPECT_EQ(commands.front().back().text, value) << line;
+    }
+  }
 }
 
 // --- The tool ------------------------------------------------------------------------------------
@@ -188,7 +204,8 @@ TEST_P(ShellCompletion, writesTitlesAsTheShellReadsThem) {
   const std::vector<std::string> arguments =
       shell == "bash" ? std::vector<std::string>{"--noprofile", "--rcfile", "bashrc", "-i"}
                       : std::vector<std::string>{"-d", "-i"};
-  const std::string path = fs::path(LK_TOOL_PATH).parent_path().string() + ":" + getenv("PATH");
+  const std::string path =
+      fs::path(LK_TOOL_PATH).parent_path().string() + ":" + std::getenv("PATH");
   test::PseudoTerminal terminal(
       sandbox, shell, arguments,
       {.environment = {{"PATH", path}, {"TERM", "dumb"}, {"ZDOTDIR", home().string()}}});
@@ -224,7 +241,8 @@ INSTANTIATE_TEST_SUITE_P(shells, ShellCompletion, testing::Values("bash", "zsh")
 TEST_F(CompletionValues, areOfferedByFish) {
   if (sandbox.run("fish", {"--version"}).status == 127) GTEST_SKIP() << "fish isn't installed";
   test::writeWhole(home() / "script", sandbox.lk({"--generate-completion-script", "fish"}).out);
-  const std::string path = fs::path(LK_TOOL_PATH).parent_path().string() + ":" + getenv("PATH");
+  const std::string path =
+      fs::path(LK_TOOL_PATH).parent_path().string() + ":" + std::getenv("PATH");
   const auto offered = [&](const std::string& line) {
     const test::ProcessResult result =
         sandbox.run("fish", {"--no-config", "-c", "source ~/script; complete -C " + line},
