@@ -46,8 +46,19 @@ std::string titleOfFile(std::string_view path) {
   return LKNoteFilename::displayNameOfBasename(path);
 }
 
+// Without those that are no text.
+BlockProperties readableProperties(BlockProperties properties) {
+  std::erase_if(properties, [](const auto& each) {
+    return !text::isValidUTF8(each.first) || !text::isValidUTF8(each.second);
+  });
+  return properties;
+}
+
 // Empty for what is no note.
 BlockProperties propertiesOf(std::string_view wholeFile) {
+  if (auto block = readFrontMatter(wholeFile)) {
+    return readableProperties(std::move(block->userProperties));
+  }
   if (!text::isValidUTF8(wholeFile)) return {};
   auto document = parseDocumentIfValid(wholeFile);
   return document ? std::move(document->frontMatter.userProperties) : BlockProperties{};
@@ -56,9 +67,9 @@ BlockProperties propertiesOf(std::string_view wholeFile) {
 BlockProperties propertiesIn(FolderReader& reader, const std::string& path) {
   const auto start = reader.read(path, kFileStart);
   if (!start) return {};
-  const std::string_view lines = start->bytes.substr(0, start->bytes.rfind('\n') + 1);
-  if (!text::isValidUTF8(lines)) return {};
-  if (auto block = readFrontMatter(lines)) return std::move(block->userProperties);
+  if (auto block = readFrontMatter(start->bytes)) {
+    return readableProperties(std::move(block->userProperties));
+  }
   if (start->bytes.size() < kFileStart) return propertiesOf(start->bytes);
   const auto whole = reader.read(path);
   return whole ? propertiesOf(whole->bytes) : BlockProperties{};
