@@ -7,7 +7,6 @@
 #include <optional>
 #include <set>
 
-#include "LKCore/Base/Json.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/CacheSync/StoreIndexFacts.h"
 #include "LKCore/Collections/LKCollectionStore.h"
@@ -15,7 +14,8 @@
 #include "LKCore/Navigation/LKTaskContextStore.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/NoteRepository/LKFileIndex.h"
-#include "LKCore/Platform/Files.h"
+#include "LKCore/Properties/LKPropertySchemaStore.h"
+#include "LKCore/Queries/LKQueryStore.h"
 #include "LarkspireCLI/Support/AppContainerRegistry.h"
 #include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
@@ -125,21 +125,10 @@ std::set<std::string> offeredProjectsOrContexts(Completion kind) {
   return {names.begin(), names.end()};
 }
 
-// The member "name" of the object, or of each object in the array, that a file holds.
-void addNamesInFile(const fs::path& file, std::set<std::string>& names) {
-  try {
-    const Json content = parseJson(readFile(file));
-    for (const Json& each : content.is_array() ? content : Json::array({content})) {
-      if (const auto name = stringMember(each, "name")) names.insert(*name);
-    }
-  } catch (const std::exception&) {
-    return;  // not there, or not ours
-  }
-}
-
 std::set<std::string> offeredProperties(const fs::path& collection) {
   std::set<std::string> names;
-  addNamesInFile(collection / ".properties" / "schema.json", names);
+  const LKPropertySchemaStore schema([&] { return collection; });
+  for (const LKPropertyDefinition& each : schema.loadAll()) names.insert(each.name);
   CacheReader cache(LKParts::none);
   for (const LKNote* note : cache.fetchNotes()) {
     for (const auto& property : note->userProperties) names.insert(property.first);
@@ -149,10 +138,7 @@ std::set<std::string> offeredProperties(const fs::path& collection) {
 
 std::set<std::string> offeredQueries(const fs::path& collection) {
   std::set<std::string> names;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(collection / ".queries", none)) {
-    if (entry.path().extension() == ".json") addNamesInFile(entry.path(), names);
-  }
+  for (const LKSavedQuery& each : LKQueryStore(collection).loadAll()) names.insert(each.name);
   return names;
 }
 

@@ -86,8 +86,11 @@ class CompletionValues : public testing::Test {
     fs::create_directories(home() / "Garden/.trash");
     test::writeWhole(home() / "Garden/.trash/Weeds.md", "");
     fs::create_directories(home() / "Garden/.queries");
-    test::writeWhole(home() / "Garden/.queries/A.json", R"({"name": "Due Today"})");
-    test::writeWhole(home() / "Garden/.queries/B.json", "{");
+    const std::string query = "8D116ECE-1738-47D9-BD9C-172411E20B8F";
+    test::writeWhole(home() / "Garden/.queries" / (query + ".json"),
+                     R"({"combiner": "all", "createdDate": "2026-03-14T09:26:53Z", "id": ")" +
+                         query + R"(", "name": "Due Today", "rules": []})");
+    test::writeWhole(home() / "Garden/.queries/57EE05CD-E009-42C7-BEBF-F20686734721.json", "{");
     fs::create_directory(home() / "Other");
     test::writeWhole(home() / "Other/Only here.md", "");
     for (const char* name : {"Garden", "Other"}) {
@@ -123,7 +126,7 @@ TEST_F(CompletionValues, areThoseOfTheCollectionThatTheLineNames) {
       {{"words", "trashed", "argument", "restore"}, "Weeds"},
       {{"words", "context", "value"}, "errand|garden"},
       {{"words", "project", "value"}, "spring-sowing"},
-      {{"words", "property", "value"}, "manuscript-role|rating|status"},
+      {{"words", "property", "value"}, "Project|manuscript-role|rating|status"},
       {{"words", "query", "argument"}, "Due Today"},
       {{"words", "collection", "value"}, "Garden|Other"},
       {{"words", "unheard", "value"}, ""},
