@@ -84,6 +84,13 @@ std::string setMetaToken(std::string_view line, std::string_view key, std::strin
   return std::string(withoutTrailingSpace(line)).append(" ").append(key).append(":").append(value);
 }
 
+std::string replaceMetaToken(std::string_view line, std::string_view key, std::string_view value) {
+  const TaskLineParts parts = partsOf(line);
+  const std::string keyed = std::string(key) + ":";
+  return setMetaToken(withoutRanges(parts, tokens(parts.words, {keyed, TaskToken::Value::word})),
+                      key, value);
+}
+
 std::string clearMetaToken(std::string_view line, std::string_view key) {
   const TaskLineParts parts = partsOf(line);
   const std::string keyed = std::string(key) + ":";
