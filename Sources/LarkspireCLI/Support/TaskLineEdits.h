@@ -21,8 +21,8 @@ namespace lk::TaskLineEdits {
 // The line with "key:value" at its end, behind one blank.
 std::string setMetaToken(std::string_view line, std::string_view key, std::string_view value);
 
-// The same in place of every such word that the line has. What only ends in the key ("overdue:x" for
-// "due") is another word and stays.
+// The same in place of every word that readers take for that key's. "overdue:x" and "(due:x)" are
+// other words and stay.
 std::string replaceMetaToken(std::string_view line, std::string_view key, std::string_view value);
 
 // The line without any "key:value", in this case alone and also at the end of a longer word, and
