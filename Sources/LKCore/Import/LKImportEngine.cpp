@@ -208,7 +208,7 @@ std::string BundleAssets::linked(std::string_view body) const {
     const std::string_view reference = inside.substr(0, inside.find(" \""));  // a title may follow
     const std::string* const name = reference.size() > longest ? nullptr : storedFor(reference);
     if (name == nullptr) continue;
-    result.append(body.substr(copied, at + 2 - copied)).append(".attachments/").append(*name);
+    result.append(body.substr(copied, at + 2 - copied)).append(attachmentReference(*name));
     copied = start + reference.size();
   }
   return result.append(body.substr(copied));

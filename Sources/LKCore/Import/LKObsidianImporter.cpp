@@ -15,7 +15,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kRootTag = "imported/obsidian";
-constexpr std::string_view kAttachmentLink = ".attachments/";
 
 // --- Rewriting -----------------------------------------------------------------------------------
 
@@ -43,10 +42,6 @@ class LineCopy {
   std::string& result_;
   size_t copied_ = 0;
 };
-
-std::string linkTo(const std::string& name) {
-  return std::string(kAttachmentLink) + name;
-}
 
 // --- Notes ---------------------------------------------------------------------------------------
 
@@ -139,7 +134,8 @@ std::string convertImageEmbeds(std::string_view body, const ImageMapping& imageM
         forEachWikiEmbed(line, [&](const Reference& reference) {
           const std::string* const name = storedName(reference.target.of(line), imageMapping);
           if (name == nullptr) return;
-          copy.replace(reference.whole.start, reference.whole.end, "![](" + linkTo(*name) + ")");
+          copy.replace(reference.whole.start, reference.whole.end,
+                       "![](" + LKImportEngine::attachmentReference(*name) + ")");
         });
         copy.finish();
       });
@@ -156,7 +152,8 @@ std::string rewriteStandardImagePaths(std::string_view body, const ImageMapping&
             name = storedName(LKImportEngine::percentDecoded(target), imageMapping);
           }
           if (name == nullptr) return;
-          copy.replace(reference.target.start, reference.target.end, linkTo(*name));
+          copy.replace(reference.target.start, reference.target.end,
+                       LKImportEngine::attachmentReference(*name));
         });
         copy.finish();
       });

@@ -128,7 +128,7 @@ TEST_F(ImportEngine, TakesABundleWithItsAssets) {
   const auto result = engine::performImport({source()}, context);
   EXPECT_EQ(result.importedCount, 1U);
   EXPECT_EQ(note("Trip").body,
-            "# Trip\n![boat](.attachments/my_boat.png) [map](.attachments/map 2.pdf \"The map\") "
+            "# Trip\n![boat](.attachments/my_boat.png) [map](.attachments/map%202.pdf \"The map\") "
             "![gone](assets/gone.png)\n\n#by-sea\n\n#2024\n");
   const std::vector<engine::ImportProblem> expected = {
       {"Trip.textbundle", "huge.mov (too large: 21 MB, max 20 MB)"},

@@ -240,7 +240,7 @@ TEST_F(Vault, ComesWithFoldersTagsDatesAndPictures) {
             "See [[Plan]] #imported/obsidian/start ![](.attachments/photo.png)\n\n"
             "#imported/obsidian\n");
   EXPECT_EQ(body("Plan"),
-            "![here](.attachments/photo 2.png) ![](.attachments/manual.PDF#page=3) ![[Home]]\n\n"
+            "![here](.attachments/photo%202.png) ![](.attachments/manual.PDF#page=3) ![[Home]]\n\n"
             "#imported/obsidian/a\n\n#imported/obsidian/b-c\n\n"
             "#imported/obsidian/Work/My-notes\n");
   const auto plan = parseDocument(test::readWhole(notes() / "Plan.md")).frontMatter;
