@@ -94,8 +94,9 @@ std::string convertedBody(const ObsidianEntry& entry, const ImageMapping& mappin
                           const ImportOptions& options) {
   std::string body = entry.body;
   if (!mapping.empty()) {
-    body = convertImageEmbeds(body, mapping);
+    // Embeds last: what they become is a standard image, whose new name may be another file's old one.
     body = rewriteStandardImagePaths(body, mapping);
+    body = convertImageEmbeds(body, mapping);
   }
   body = convertAliasedLinks(body);
   body = LKImportEngine::prefixInlineTags(body, below(""));

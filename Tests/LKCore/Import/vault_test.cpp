@@ -251,6 +251,17 @@ TEST_F(Vault, ComesWithFoldersTagsDatesAndPictures) {
   EXPECT_FALSE(fs::exists(notes() / ".attachments/unused.png"));
 }
 
+TEST_F(Vault, TakesNoNewNameOfAPictureForAnOldOne) {
+  write("Home.md", "![[a b.png]] ![[a_b.png]] ![](a_b.png)");
+  write("a b.png", "first");
+  write("a_b.png", "second");
+  EXPECT_EQ(imported(root()).importedCount, 1U);
+  EXPECT_EQ(test::readWhole(notes() / ".attachments/a_b 2.png"), "second");
+  EXPECT_EQ(body("Home"),
+            "![](.attachments/a_b.png) ![](.attachments/a_b%202.png) "
+            "![](.attachments/a_b%202.png)\n\n#imported/obsidian\n");
+}
+
 TEST_F(Vault, FindsAttachmentsInTheToldOrder) {
   for (const char* name : {"Files/a.png", "Work/a.png", "Work/b.png", "b.png", "Deep/er/c.png",
                            "Deep/Ä d.png", "Work/sub/e.png"}) {
