@@ -284,9 +284,7 @@ ItemResult importTextBundle(const fs::path& url, ImportContext& importContext,
     assets.copyAll();
     note.body = assets.linked(note.body);
     if (options.inlineTagPrefix) note.body = prefixInlineTags(note.body, *options.inlineTagPrefix);
-    for (const std::string& tag : readTextBundleTags(url)) {
-      note.body = appendTagToBody(note.body, tag);
-    }
+    note.body = appendTagLinesToBody(note.body, readTextBundleTags(url));
     note.body = appendTagsToBody(note.body, options.appendTags);
     writeImportedNote(note, importContext);
     return ItemResult{.success = true, .problems = assets.takeProblems()};

@@ -101,14 +101,15 @@ std::string convertedBody(const ObsidianEntry& entry, const ImageMapping& mappin
   body = convertAliasedLinks(body);
   body = LKImportEngine::prefixInlineTags(body, below(""));
   if (options.collapseParagraphs) body = LKImportEngine::collapseMarkdownParagraphs(body);
+  std::vector<std::string> tags;
   if (entry.frontMatter) {
     for (const std::string& tag : entry.frontMatter->tags) {
       const std::string readable = LKImportEngine::readableTag(tag);
-      if (!readable.empty()) body = LKImportEngine::appendTagToBody(body, below(readable));
+      if (!readable.empty()) tags.push_back(below(readable));
     }
   }
-  const std::string folder = entry.folderTag ? below(*entry.folderTag) : std::string(kRootTag);
-  body = LKImportEngine::appendTagToBody(body, folder);
+  tags.push_back(entry.folderTag ? below(*entry.folderTag) : std::string(kRootTag));
+  body = LKImportEngine::appendTagLinesToBody(body, tags);
   return LKImportEngine::appendTagsToBody(body, options.appendTags);
 }
 
