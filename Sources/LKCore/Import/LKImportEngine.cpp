@@ -106,6 +106,10 @@ constexpr uint64_t kMegabyte = uint64_t{1024} * 1024;
 constexpr uint64_t kMaxAssetMegabytes = 20;
 
 fs::path textOfBundle(const fs::path& bundle) {
+  std::error_code error;
+  if (fs::is_symlink(fs::symlink_status(bundle, error))) {
+    throw ImportRefusal(kBundleReasons.unreadable);
+  }
   for (const char* name : {"text.markdown", "text.md", "text.txt", "text.text"}) {
     if (nameIsTaken(bundle / name)) return bundle / name;
   }
