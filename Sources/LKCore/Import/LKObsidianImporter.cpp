@@ -94,7 +94,7 @@ std::string convertedBody(const ObsidianEntry& entry, const ImageMapping& mappin
                           const ImportOptions& options) {
   std::string body = entry.body;
   if (!mapping.empty()) {
-    // Embeds last: what they become is a standard image, whose new name may be another file's old one.
+    // Embeds last: they become standard images, whose new names may be old names of other files.
     body = rewriteStandardImagePaths(body, mapping);
     body = convertImageEmbeds(body, mapping);
   }

@@ -27,7 +27,8 @@ bool isNotEmpty(std::string_view value) {
 }
 
 bool isOfTheWeb(std::string_view source) {
-  return source.starts_with("http://") || source.starts_with("https://");
+  const std::string start = text::lowercased(source.substr(0, std::string_view("https://").size()));
+  return start.starts_with("http://") || start.starts_with("https://");
 }
 
 bool isOutside(std::string_view source) {

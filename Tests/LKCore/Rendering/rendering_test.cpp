@@ -246,6 +246,7 @@ TEST(HTMLPass, CaptionsFiguresAndBlocksTheWeb) {
   EXPECT_EQ(blockWebImages(figure),
             "<figure class=\"lk-figure\">" + link +
                 "Web image not loaded</a><figcaption>c</figcaption></figure>");
+  EXPECT_EQ(blockWebImages(R"(<img src="HTTP://a/b.png" alt="c" />)"), link + "c</a>");
   EXPECT_EQ(blockWebImages(image + R"(<img src="a.png" alt="" />)"),
             link + R"(c</a><img src="a.png" alt="" />)");
 }
