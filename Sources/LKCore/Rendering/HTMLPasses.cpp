@@ -9,6 +9,7 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/Rendering/HTMLText.h"
 #include "LKCore/Rendering/LKInlineImage.h"
+#include "LKCore/Rendering/SourcePasses.h"
 
 namespace lk::LKMarkdownToHTML {
 
@@ -26,7 +27,8 @@ bool isNotEmpty(std::string_view value) {
 }
 
 bool isOfTheWeb(std::string_view source) {
-  return source.starts_with("http://") || source.starts_with("https://");
+  const std::string start = text::lowercased(source.substr(0, std::string_view("https://").size()));
+  return start.starts_with("http://") || start.starts_with("https://");
 }
 
 bool isOutside(std::string_view source) {
@@ -121,7 +123,9 @@ std::string bindTaskIDs(std::string html, Checkboxes boxes) {
     copied = match[0]->end;
   }
   result.append(html, copied);
-  return result.find("!--lkid:") == std::string::npos ? result : unbound.replacingAll(result, "");
+  if (result.find("!--lkid:") == std::string::npos) return result;
+  // What such a marker stood in can complete a page's tag within raw HTML.
+  return neutralisePageTags(unbound.replacingAll(result, ""));
 }
 
 std::string applySourceFragments(std::string html) {

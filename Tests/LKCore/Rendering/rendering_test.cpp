@@ -246,6 +246,7 @@ TEST(HTMLPass, CaptionsFiguresAndBlocksTheWeb) {
   EXPECT_EQ(blockWebImages(figure),
             "<figure class=\"lk-figure\">" + link +
                 "Web image not loaded</a><figcaption>c</figcaption></figure>");
+  EXPECT_EQ(blockWebImages(R"(<img src="HTTP://a/b.png" alt="c" />)"), link + "c</a>");
   EXPECT_EQ(blockWebImages(image + R"(<img src="a.png" alt="" />)"),
             link + R"(c</a><img src="a.png" alt="" />)");
 }
@@ -322,9 +323,11 @@ TEST(HTMLBody, ShowsATitleAsNothingButText) {
 
 TEST(HTMLBody, MakesNoPageTagOfPieces) {
   const SharingOptions& sharing = SharingOptions::sharing();
-  for (const char* text : {"<[[script]]>x", "<div>\n<<a href=\"a.pdf\">script</a>>x",
-                           "![](%3Cscript%3E.zip)", "~~~\n```\n~~~\n<script>", "`a\n<script>"}) {
-    const std::string html = rendered(text, sharing);
+  for (const char* text :
+       {"<[[script]]>x", "<div>\n<<a href=\"a.pdf\">script</a>>x", "![](%3Cscript%3E.zip)",
+        "~~~\n```\n~~~\n<script>", "`a\n<script>",
+        "<div>\n<&lt;!--lkid:00000000-0000-4000-8000-000000000001--&gt;script>"}) {
+    const std::string html = rendered(text, sharing, {kFirst});
     EXPECT_EQ(html.find("<script"), std::string::npos) << html;
   }
 }
