@@ -19,6 +19,7 @@
 #include "LKCore/Platform/FolderWalk.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/KeptNotes.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/Progress.h"
@@ -142,43 +143,40 @@ std::optional<NewNote> noteFrom(const fs::path& file, const std::vector<std::str
   return note;
 }
 
-// A name that this file system does not take concerns one file; anything else concerns all.
-bool concernsOneFile(const FileError& error) {
-  return error.code() == ENAMETOOLONG || error.code() == EINVAL || error.code() == EILSEQ;
-}
+// What became of the text files.
+struct CreatedNotes {
+  size_t count = 0;
+  size_t failed = 0;  // could be read, and not be written
+  std::string firstFailure;
 
-// Counts in `created`, so that the number stands also when it throws.
+  void refuse() const {
+    if (failed == 0) return;
+    throw CLIError::writeFailed(countOf(failed, "file") +
+                                " could not be imported: " + firstFailure);
+  }
+};
+
+// Goes on after a file that fails.
 void createNotes(const std::vector<fs::path>& files, const fs::path& collection,
-                 const std::vector<std::string>& tags, Progress& progress, size_t& created) {
+                 const std::vector<std::string>& tags, Progress& progress, CreatedNotes& created) {
   FreeNames names(collection);
   for (size_t i = 0; i < files.size(); ++i) {
     const std::optional<NewNote> note = noteFrom(files[i], tags);
-    if (!note) {
+    bool isCreated = false;
+    try {
+      isCreated = note && !LKNoteFileService::createNote(*note, names).empty();
+    } catch (const FileError& error) {
+      if (created.failed++ == 0) created.firstFailure = error.description();
+    }
+    if (isCreated) {
+      ++created.count;
+    } else {
       progress.clear();
       printUnreadable(files[i]);
-      continue;
-    }
-    try {
-      LKNoteFileService::createNote(*note, names);
-      ++created;
-    } catch (const FileError& error) {
-      if (!concernsOneFile(error)) throw;
-      progress.clear();
-      printError("skip (" + error.cause() + "): " + shown(files[i]));
     }
     progress.show(i + 1, files.size());
   }
-  if (created > 0) flushFileSystem(collection);
-}
-
-// Runs `write`; a failure says how many notes were made before it.
-void importNotes(const std::function<void()>& write, const size_t& imported) {
-  try {
-    writeNotes(write, kCannotImport);
-  } catch (const CLIError& error) {
-    if (imported == 0) throw;
-    throw error.withHint("Imported before that: " + countedNotes(imported));
-  }
+  if (created.count > 0) flushFileSystem(collection);
 }
 
 LKImportEngine::ImportContext contextOf(const fs::path& collection) {
@@ -263,21 +261,22 @@ void ImportCommand::importFiles(const fs::path& source, const fs::path& collecti
     return;
   }
   requireWritable(collection, kCannotImport);
-  size_t imported = 0;
+  CreatedNotes created;
   LKImportEngine::ImportBatchResult result;
-  importNotes(
+  writeNotes(
       [&] {
         Progress progress("Importing", options.quiet);
-        createNotes(files.texts, collection, readableTags, progress, imported);
+        createNotes(files.texts, collection, readableTags, progress, created);
         if (files.bundles.empty()) return;
         LKImportEngine::ImportContext context = contextOf(collection);
         result = LKImportEngine::performImport(
             files.bundles, context, {.appendTags = readableTags},
             [&](size_t done, size_t total) { progress.show(done, total); });
       },
-      imported);
+      kCannotImport);
   printProblems(result.errors);
-  printMessage(options, "Imported " + countedNotes(imported + result.importedCount));
+  printMessage(options, "Imported " + countedNotes(created.count + result.importedCount));
+  created.refuse();
 }
 
 void ImportCommand::importVault(const fs::path& source, const fs::path& collection) {
