@@ -16,49 +16,49 @@ namespace {
 
 // --- The words of the choices, in the order of their enumerators ---------------------------------
 
-using Words = std::vector<std::string_view>;
+using BindWords = std::vector<std::string_view>;
 
-Words wordsOf(LKBindPageSize /*choice*/) {
+BindWords bindWordsOf(LKBindPageSize /*choice*/) {
   return {"letter", "legal", "a4", "a5", "b5", "trade_paperback_6x9", "mass_market_4_25x7",
           "custom"};
 }
-Words wordsOf(LKBindOrientation /*choice*/) {
+BindWords bindWordsOf(LKBindOrientation /*choice*/) {
   return {"portrait", "landscape"};
 }
-Words wordsOf(LKBindLineSpacing /*choice*/) {
+BindWords bindWordsOf(LKBindLineSpacing /*choice*/) {
   return {"single", "1.5", "double"};
 }
-Words wordsOf(LKBindHeadingTreatment /*choice*/) {
+BindWords bindWordsOf(LKBindHeadingTreatment /*choice*/) {
   return {"chapter", "part", "section", "subsection", "plain"};
 }
-Words wordsOf(LKBindHeadingNumbering /*choice*/) {
+BindWords bindWordsOf(LKBindHeadingNumbering /*choice*/) {
   return {"none", "arabic", "roman_upper", "roman_lower", "word"};
 }
-Words wordsOf(LKBindAlignment /*choice*/) {
+BindWords bindWordsOf(LKBindAlignment /*choice*/) {
   return {"left", "center", "right", "justify"};
 }
-Words wordsOf(LKBindFontWeight /*choice*/) {
+BindWords bindWordsOf(LKBindFontWeight /*choice*/) {
   return {"regular", "bold"};
 }
-Words wordsOf(LKBindSceneBreakRendering /*choice*/) {
+BindWords bindWordsOf(LKBindSceneBreakRendering /*choice*/) {
   return {"centered_text", "horizontal_rule", "blank_line"};
 }
-Words wordsOf(LKBindStripTasks /*choice*/) {
+BindWords bindWordsOf(LKBindStripTasks /*choice*/) {
   return {"keep", "metadata", "lines"};
 }
-Words wordsOf(LKBindPageNumberStyle /*choice*/) {
+BindWords bindWordsOf(LKBindPageNumberStyle /*choice*/) {
   return {"arabic", "roman_lower", "roman_upper"};
 }
-Words wordsOf(LKBindHeaderFooterStyle /*choice*/) {
+BindWords bindWordsOf(LKBindHeaderFooterStyle /*choice*/) {
   return {"publishedBook", "agentSubmission", "none"};
 }
-Words wordsOf(LKBindFootnotePlacement /*choice*/) {
+BindWords bindWordsOf(LKBindFootnotePlacement /*choice*/) {
   return {"perPage", "endOfBook", "endOfChapter"};
 }
-Words wordsOf(LKBindParagraphStyle /*choice*/) {
+BindWords bindWordsOf(LKBindParagraphStyle /*choice*/) {
   return {"larkspireNative", "commonmark"};
 }
-Words wordsOf(LKBindOutputFormat /*choice*/) {
+BindWords bindWordsOf(LKBindOutputFormat /*choice*/) {
   return {"pdf", "docx", "epub", "rtf", "html_bundle", "markdown_bundle", "text_bundle"};
 }
 
@@ -336,7 +336,7 @@ class BindSpecReader {
 
   template <typename Choice>
   void readChoice(const char* key, const Json& json, Choice& choice) const {
-    const Words words = wordsOf(choice);
+    const BindWords words = bindWordsOf(choice);
     const auto found = json.is_string()
                            ? std::ranges::find(words, json.get_ref<const std::string&>())
                            : words.end();
@@ -376,7 +376,7 @@ class BindSpecWriter {
   template <typename Value>
   static Json jsonOfField(Value& value) {
     if constexpr (std::is_enum_v<Value>) {
-      return wordsOf(value).at(static_cast<size_t>(value));
+      return bindWordsOf(value).at(static_cast<size_t>(value));
     } else if constexpr (std::is_same_v<Value, double>) {
       return numberJson(value);
     } else if constexpr (std::is_same_v<Value, Instant>) {
