@@ -250,7 +250,10 @@ size_t lineOfKey(std::string_view document, const std::string& wanted) {
     const char c = document[i];
     if (c == '\n') ++line;
     if (c == '{' || c == '[') around.push_back(path);
-    if ((c == '}' || c == ']') && !around.empty()) around.pop_back();
+    if ((c == '}' || c == ']') && !around.empty()) {
+      path = std::move(around.back());
+      around.pop_back();
+    }
     if (c != '"') continue;
     const size_t end = closingQuote(document, i + 1);
     const size_t next = document.find_first_not_of(" \t\r\n", std::min(end + 1, document.size()));

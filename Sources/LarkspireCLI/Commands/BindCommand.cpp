@@ -11,7 +11,6 @@
 #include "LKCore/Bind/LKBindEngine.h"
 #include "LKCore/Bind/LKBindTokenResolver.h"
 #include "LKCore/Platform/Files.h"
-#include "LKCore/Rendering/HTMLText.h"
 #include "LarkspireCLI/Commands/BindSpecOptions.h"
 #include "LarkspireCLI/Support/BindNotes.h"
 #include "LarkspireCLI/Support/CLIError.h"
@@ -145,17 +144,32 @@ std::string titlePageText(const std::string& text, const LKBindSubject& subject)
   context.date = subject.date;
   context.locale = subject.locale;
   const std::string resolved = LKBindTokenResolver::resolve(text, context);
-  const bool lacksAuthor =
-      text::trimmed(subject.author).empty() && resolved.find("{author") != std::string::npos;
+  const bool lacksAuthor = subject.author.empty() && resolved.find("{author") != std::string::npos;
   return lacksAuthor ? std::string() : std::string(text::trimmed(resolved));
 }
 
-// The lines of the title page in HTML, where no sign of theirs means anything in Markdown.
+// Text for HTML inside Markdown: no sign of it means anything to either, nor to the notes' own
+// dialect.
+std::string withoutMarkup(const std::string& content) {
+  constexpr std::string_view kSigns = "&<>\"'#[]{}=*_~@:`|^$+-\\";
+  std::string result;
+  for (const char c : content) {
+    if (c == '\n') {
+      result += "<br>";
+    } else if (kSigns.find(c) != std::string_view::npos) {
+      result += "&#" + std::to_string(static_cast<int>(c)) + ";";
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
 std::string titlePageLine(const std::string& tag, const std::string& className,
                           const std::string& content) {
   if (content.empty()) return "";
-  return "<" + tag + " class=\"" + className + "\">" +
-         text::replacingAll(html::escaped(content), "\n", "<br>") + "</" + tag + ">\n\n";
+  return "<" + tag + " class=\"" + className + "\">" + withoutMarkup(content) + "</" + tag +
+         ">\n\n";
 }
 
 // The title page that the spec asks for, unless a note is one.

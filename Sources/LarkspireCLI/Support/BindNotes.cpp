@@ -170,7 +170,7 @@ std::optional<LKBindNoteInput> BindNotes::inputOf(const LKNote& note,
     if (said == file.userProperties.end()) return input;
     const auto role = LKBindNoteRoles::parse(said->second);
     input.role = role.value_or(withoutRole);
-    if (!role) {
+    if (!role && !text::trimmed(said->second).empty()) {
       printNote(options_, "Warning: '" + input.noteTitle + "' has the unknown manuscript-role '" +
                               said->second + "'; bound as " + std::string(rawValue(withoutRole)) +
                               ".");
