@@ -22,4 +22,19 @@ std::optional<CodeFenceOpening> parseCodeFenceStart(std::string_view line);
 // A line that, trimmed, is only backticks, at least as many as the opening's.
 bool isCodeFenceClose(std::string_view line, const CodeFenceOpening& opening);
 
+// Shown every line of a text in turn, tells which ones are code; fences of tildes are seen too.
+class CodeFenceWalk {
+ public:
+  enum class Line { outside, opening, inside, closing };
+
+  Line take(std::string_view line);
+
+  // The line that would close the open fence; nothing when none is open.
+  std::optional<std::string> closingLine() const;
+
+ private:
+  char mark_ = 0;  // 0: no fence is open
+  size_t count_ = 0;
+};
+
 }  // namespace lk

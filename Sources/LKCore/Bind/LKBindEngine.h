@@ -18,21 +18,11 @@
 #include <string>
 #include <vector>
 
-#include "LKCore/Base/Time.h"
 #include "LKCore/Bind/LKBindNoteInput.h"
 #include "LKCore/Bind/LKBindSpec.h"
+#include "LKCore/Bind/LKBindSubject.h"
 
 namespace lk {
-
-// What a book is bound for, beside its notes and its spec.
-struct LKBindSubject {
-  std::string tagName;  // "writing/novel"; for a book note its title
-  std::string author;   // empty: unknown
-  Instant date;
-  std::string locale;  // "de_DE"; empty: the user's for dates and numbers in words
-
-  bool operator==(const LKBindSubject&) const = default;
-};
 
 // A diagram as a picture: SVG when there is any, else PNG.
 struct LKBindDiagram {
