@@ -93,6 +93,7 @@ void requireHTML(BindFormat format) {
 std::optional<fs::path> resolveOutput(const BindCommand& command, const BindSource& source,
                                       BindFormat format, const BindNotes& notes) {
   if (command.output == kStandardOutput) return std::nullopt;
+  if (command.output == "") throw CLIError::general("--output names no file.");
   const std::string name =
       text::replacingAll(source.name, "/", "-") + "." + std::string(rawValue(format));
   fs::path path = fs::absolute(command.output.value_or(name)).lexically_normal();

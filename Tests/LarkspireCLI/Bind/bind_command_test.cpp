@@ -179,6 +179,7 @@ TEST_F(Bind, RefusesWhatItCannotDo) {
       {novel + "--spec-file|later.json",
        "Bind spec uses schema version 2; this app supports up to 1. Upgrade Larkspire to read this "
        "spec."},
+      {novel + "--output|", "--output names no file."},
       {novel + "--output|Notes/A.md", "The output " + file("A").string() +
                                           " is a note of this collection. Choose another "
                                           "--output."},
