@@ -1,5 +1,7 @@
 // A body taken apart at its level-1 headings, and titles as HTML.
 
+#include <utility>
+
 #include "LKCore/Base/Pattern.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/Bind/CodeFence.h"
@@ -69,15 +71,13 @@ SplitBody splitFirstH1(std::string_view body) {
 
 BookBody parseBookBody(std::string_view body) {
   BookBody book;
-  const auto text = [&]() -> std::string& {
+  const auto target = [&]() -> std::string& {
     return book.sections.empty() ? book.preamble : book.sections.back().body;
   };
   eachHeading(
       body, [&](std::string_view heading) { book.sections.push_back(sectionBelow(heading)); },
-      [&](std::string_view line) { text().append(line).append("\n"); });
-  if (!body.ends_with('\n') && text().ends_with('\n')) text().pop_back();
-  // The piece behind the last line feed of a body is no line.
-  if (body.ends_with('\n') && text().ends_with('\n')) text().pop_back();
+      [&](std::string_view line) { target().append(line).append("\n"); });
+  if (target().ends_with('\n')) target().pop_back();  // the last line's end was not there
   return book;
 }
 
@@ -95,7 +95,7 @@ bool bodyContainsRolePrefixH1(std::string_view body) {
 std::string headingHTML(std::string_view title) {
   // Where a pass over the manuscript's lines would begin to read the dialect: that character is
   // written by its number.
-  static const Pattern dialect(R"(\[(?=\^)|=(?==)|:(?=:)|(?<![^\s>])(?:#(?=[A-Za-z])|@(?=\d))|)"
+  static const Pattern dialect(R"(\[(?=[\^\[])|=(?==)|:(?=:)|(?<![^\s>])(?:#(?=[A-Za-z])|@(?=\d))|)"
                                R"((?<=\sdue|\sdone|\spriority|\sid):)");
   const std::string html = html::escaped(withoutWikiLinks(text::trimmed(title)));
   const std::string broken = text::replacingAll(html, "\n", "<br>");

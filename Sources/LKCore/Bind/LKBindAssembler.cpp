@@ -1,6 +1,6 @@
 #include "LKCore/Bind/LKBindAssembler.h"
 
-#include <cstdint>
+#include <algorithm>
 #include <utility>
 
 #include "LKCore/Base/Text.h"
@@ -36,29 +36,28 @@ struct NotesByPlace {
   }
 };
 
-// A comment that never ends would hide all that follows the note: it shows.
-void showOpenComment(std::string& body) {
-  const size_t open = body.rfind("<!--");
-  if (open == std::string::npos || body.find("-->", open) != std::string::npos) return;
-  size_t first = open;
+// The body so that it ends with its note: an open fence is closed, and a comment that never ends,
+// which would hide all that follows, shows.
+std::string sealed(std::string_view body) {
   const size_t lastEnd = body.rfind("-->");
-  const size_t from = lastEnd == std::string::npos ? 0 : lastEnd;
-  for (first = body.find("<!--", from); first != std::string::npos;
-       first = body.find("<!--", first)) {
-    body.replace(first, 1, "&lt;");
-  }
-}
-
-// The body so that it ends with its note.
-std::string sealed(std::string body) {
+  std::string result;
+  result.reserve(body.size() + 8);
   CodeFenceWalk fences;
-  for (const std::string_view line : text::split(body, '\n')) fences.take(line);
-  if (const auto closing = fences.closingLine()) {
-    if (!body.ends_with('\n')) body.push_back('\n');
-    return body.append(*closing).append("\n");
+  size_t offset = 0;
+  for (const std::string_view line : text::split(body, '\n')) {
+    const bool isOutside = fences.take(line) == CodeFenceWalk::Line::outside;
+    const size_t mark = std::min(line.find_first_not_of(' '), line.size());
+    const bool mayEnd = lastEnd != std::string_view::npos && offset + mark < lastEnd;
+    const bool neverEnds = isOutside && !mayEnd && line.substr(mark).starts_with("<!--");
+    result.append(line.substr(0, mark)).append(neverEnds ? "&lt;" : "");
+    result.append(line.substr(mark + (neverEnds ? 1 : 0))).push_back('\n');
+    offset += line.size() + 1;
   }
-  showOpenComment(body);
-  return body;
+  result.pop_back();  // the last line's end was not there
+  const auto closing = fences.closingLine();
+  if (!closing) return result;
+  if (!result.ends_with('\n')) result.push_back('\n');
+  return result.append(*closing).append("\n");
 }
 
 NotesByPlace sortedNotes(const std::vector<LKBindNoteInput>& notes, const LKBindFilters& filters) {
@@ -87,14 +86,11 @@ class Manuscript {
       : spec_(spec), context_(subject.tokens()) {}
 
   void addFront(std::string_view body) {
-    if (endsWithFront_) breakPage();
+    breakPage();
     beginBlock();
     text_.append("<div class=\"bind-titlepage\">\n\n");
     appendLines(body);
-    // Behind an empty line, so that no list or quote of the body takes it in.
-    if (!text_.ends_with("\n\n")) text_.push_back('\n');
     text_.append("</div>\n");
-    endsWithFront_ = true;
   }
 
   void addMain(const FilteredNote& note) {
@@ -121,7 +117,6 @@ class Manuscript {
     breakPage();
     beginBlock();
     appendLines(body);
-    endsWithFront_ = false;
   }
 
   void addEndSections() {
@@ -146,7 +141,6 @@ class Manuscript {
     text_.append(headingHTML(headingText(heading))).append("</h1>\n\n");
     appendLines(rest);
     scenes_ = 0;
-    endsWithFront_ = false;
   }
 
   std::string headingText(const LKBindHeading& heading) const {
@@ -160,7 +154,6 @@ class Manuscript {
     beginBlock();
     if (scenes_ > 1) text_.append("---\n\n");
     appendLines(body);
-    endsWithFront_ = false;
   }
 
   void addPlain(std::string_view body) {
@@ -168,7 +161,6 @@ class Manuscript {
     beginBlock();
     appendLines(body);
     scenes_ = 0;
-    endsWithFront_ = false;
   }
 
   void emitBook(std::string_view body) {
@@ -207,7 +199,7 @@ class Manuscript {
   std::string text_;
   std::vector<std::string> endSections_;
   size_t scenes_ = 0;  // of this chapter
-  bool endsWithFront_ = false;
+  bool
 };
 
 }  // namespace
