@@ -9,7 +9,7 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/Bind/CodeFence.h"
 #include "LKCore/Bind/LKBindEngine.h"
-#include "LKCore/Bind/LKBindTokenResolver.h"
+#include "LKCore/Bind/LKBindThemes.h"
 #include "LKCore/Platform/Files.h"
 #include "LarkspireCLI/Commands/BindSpecOptions.h"
 #include "LarkspireCLI/Support/BindNotes.h"
@@ -137,56 +137,14 @@ void tellDiagrams(const GlobalOptions& options, const std::vector<LKBindNoteInpu
                          ") is not possible in this version: a placeholder stands for each.");
 }
 
-// Text for the title page. Nothing when it asks for an author that is not known.
-std::string titlePageText(const std::string& text, const LKBindSubject& subject) {
-  LKBindTokenContext context;
-  context.tagName = subject.tagName;
-  context.author = subject.author;
-  context.date = subject.date;
-  context.locale = subject.locale;
-  const std::string resolved = LKBindTokenResolver::resolve(text, context);
-  const bool lacksAuthor = subject.author.empty() && resolved.find("{author") != std::string::npos;
-  return lacksAuthor ? std::string() : std::string(text::trimmed(resolved));
-}
-
-// Text for HTML inside Markdown: no sign of it means anything to either, nor to the notes' own
-// dialect.
-std::string withoutMarkup(const std::string& content) {
-  constexpr std::string_view kSigns = "&<>\"'#[]{}=*_~@:`|^$+-\\";
-  std::string result;
-  for (const char c : content) {
-    if (c == '\n') {
-      result += "<br>";
-    } else if (kSigns.find(c) != std::string_view::npos) {
-      result += "&#" + std::to_string(static_cast<int>(c)) + ";";
-    } else {
-      result += c;
-    }
+void tellUnknownTheme(const GlobalOptions& options, const std::string& theme) {
+  std::string names;
+  for (const LKBindThemes::Descriptor& each : LKBindThemes::all) {
+    if (each.id == theme) return;
+    names.append(names.empty() ? "" : ", ").append(each.id);
   }
-  return result;
-}
-
-std::string titlePageLine(const std::string& tag, const std::string& className,
-                          const std::string& content) {
-  if (content.empty()) return "";
-  return "<" + tag + " class=\"" + className + "\">" + withoutMarkup(content) + "</" + tag +
-         ">\n\n";
-}
-
-// The title page that the spec asks for, unless a note is one.
-void addTitlePage(std::vector<LKBindNoteInput>& inputs, const LKBindSpec& spec,
-                  const LKBindSubject& subject) {
-  const LKBindTitlePage& page = spec.frontMatter.titlePage;
-  const bool isThere =
-      std::ranges::count(inputs, LKBindNoteRole::titlePage, &LKBindNoteInput::role) > 0;
-  if (!page.include || isThere) return;
-  LKBindNoteInput note;
-  note.noteTitle = LKBindEngine::bookTitle(spec, subject);
-  note.role = LKBindNoteRole::titlePage;
-  note.body = titlePageLine("h1", "bind-title", titlePageText(page.title, subject)) +
-              titlePageLine("p", "bind-subtitle", titlePageText(page.subtitle, subject)) +
-              titlePageLine("p", "bind-author", titlePageText(page.author, subject));
-  inputs.insert(inputs.begin(), std::move(note));
+  printNote(options, "Warning: There is no theme '" + theme +
+                         "', so the book has none. Themes: " + names + ".");
 }
 
 std::vector<LKBindNoteInput> gatherInputs(const BindSource& source, BindNotes& notes,
@@ -298,23 +256,22 @@ void BindCommand::run() {
   resolvedCollection(options.collection, options.quiet);
   const LKBindSpec spec = buildSpec(*this);
   BindNotes notes(options);
-  std::vector<LKBindNoteInput> inputs = gatherInputs(source, notes, spec);
+  const std::vector<LKBindNoteInput> inputs = gatherInputs(source, notes, spec);
   const BindFormat resolvedFormat = resolveFormat(*this);
   requireHTML(resolvedFormat);
   const auto path = resolveOutput(*this, source, resolvedFormat, notes);
-  const size_t noteCount = inputs.size();
   if (!options.json) {
-    printNote(options, "Binding " + countWithNoun(noteCount, "note") + " from " +
+    printNote(options, "Binding " + countWithNoun(inputs.size(), "note") + " from " +
                            (source.isBook ? "book \"" + source.name + "\"" : source.name) + " as " +
                            std::string(rawValue(resolvedFormat)) + ".");
   }
+  tellUnknownTheme(options, spec.theme);
   if (spec.filters.renderMermaid) tellDiagrams(options, inputs);
 
   const LKBindSubject subject = {.tagName = source.name,
                                  .author = std::string(text::trimmed(author)),
                                  .date = Instant::now(),
                                  .locale = ""};
-  addTitlePage(inputs, spec, subject);
   const std::string document = LKBindEngine::bind(inputs, spec, subject);
   if (!path) {
     printText(document);
@@ -323,7 +280,7 @@ void BindCommand::run() {
   writeBook(*path, document);
   if (options.json) {
     printLine(printJson({{"format", rawValue(resolvedFormat)},
-                         {"noteCount", noteCount},
+                         {"noteCount", inputs.size()},
                          {"path", path->string()}}));
   } else {
     printLine("✓ Wrote " + path->string());
