@@ -48,6 +48,17 @@ struct LocaleFormat {
   std::unique_ptr<icu::SimpleDateFormat> format;
 };
 
+std::string textOf(icu::DateFormat& format, Instant instant) {
+  const UDate date =
+      static_cast<UDate>(instant.seconds) * 1000.0 + static_cast<UDate>(instant.nanoseconds) / 1e6;
+  format.adoptTimeZone(zoneAt(instant, date).release());
+  UErrorCode status = U_ZERO_ERROR;
+  icu::UnicodeString text;
+  static_cast<const icu::DateFormat&>(format).format(date, text, nullptr, status);
+  std::string result;
+  return U_SUCCESS(status) ? text.toUTF8String(result) : result;
+}
+
 icu::SimpleDateFormat* formatFor(std::string_view locale) {
   thread_local LocaleFormat last;
   if (!last.format || last.locale != locale) {
@@ -66,15 +77,14 @@ std::string formatted(Instant instant, std::string_view icuPattern, std::string_
   if (icuPattern.empty() || icuPattern.size() > kDatePatternLimit) return {};
   icu::SimpleDateFormat* const format = formatFor(locale);
   if (format == nullptr) return {};
-  const UDate date =
-      static_cast<UDate>(instant.seconds) * 1000.0 + static_cast<UDate>(instant.nanoseconds) / 1e6;
   format->applyPattern(patternText(icuPattern));
-  format->adoptTimeZone(zoneAt(instant, date).release());
-  UErrorCode status = U_ZERO_ERROR;
-  icu::UnicodeString text;
-  static_cast<const icu::DateFormat&>(*format).format(date, text, nullptr, status);
-  std::string result;
-  return U_SUCCESS(status) ? text.toUTF8String(result) : result;
+  return textOf(*format, instant);
+}
+
+std::string formattedFullDate(Instant instant, std::string_view locale) {
+  const std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateInstance(
+      icu::DateFormat::kFull, localeNamed(std::string(locale))));
+  return format ? textOf(*format, instant) : std::string();
 }
 
 }  // namespace lk

@@ -22,4 +22,7 @@ inline constexpr size_t kDatePatternLimit = 256;  // UTF-8 bytes
 // `kDatePatternLimit` or holds an unquoted letter that means nothing. Never throws for a pattern.
 std::string formatted(Instant instant, std::string_view icuPattern, std::string_view locale);
 
+// The day as the locale writes it in full, "Saturday, March 14, 2026", in the current time zone.
+std::string formattedFullDate(Instant instant, std::string_view locale);
+
 }  // namespace lk

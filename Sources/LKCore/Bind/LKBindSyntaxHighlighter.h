@@ -1,0 +1,38 @@
+#pragma once
+
+// Colours for fenced code: keywords, texts, comments and numbers of common languages. A language
+// that nobody here knows stays plain.
+//
+//     tokens("let x = 1 // one", "swift")    // keyword "let", number "1", comment "// one"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "LKCore/Base/TextRange.h"
+
+namespace lk::LKBindSyntaxHighlighter {
+
+enum class TokenKind { keyword, string, comment, number };
+
+struct Token {
+  TextRange range;  // UTF-8 bytes of the code
+  TokenKind kind = TokenKind::keyword;
+
+  bool operator==(const Token&) const = default;
+};
+
+// In the order of the code, without overlap; what lies between is plain. The language in any case.
+// Linear in the code.
+std::vector<Token> tokens(std::string_view code, std::string_view language);
+
+// The HTML with spans in the code blocks that name a language.
+std::string applyToHTML(std::string_view html);
+
+// "hl-keyword"
+std::string_view className(TokenKind kind);
+
+// The colours on light paper, dark enough to be read in grey as well.
+std::string_view lightSheet();
+
+}  // namespace lk::LKBindSyntaxHighlighter
