@@ -40,4 +40,8 @@ std::string spelledOut(int64_t number, std::string_view locale) {
   return words.toUTF8String(result);
 }
 
+std::string userLocale() {
+  return icu::Locale::getDefault().getName();
+}
+
 }  // namespace lk

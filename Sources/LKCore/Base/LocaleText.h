@@ -15,4 +15,7 @@ std::string capitalised(std::string_view text, std::string_view locale);
 // "twenty-one", "einundzwanzig"; digits when the language has no words for numbers.
 std::string spelledOut(int64_t number, std::string_view locale);
 
+// The name of the user's locale: "de_DE", "en_US_POSIX" where none is set.
+std::string userLocale();
+
 }  // namespace lk

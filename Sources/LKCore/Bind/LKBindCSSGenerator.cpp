@@ -164,16 +164,16 @@ std::string roleRules(const LKBindSpec& spec) {
          "  page-break-after: always;\n}\n"
          ".bind-titlepage h1, .bind-titlepage h2 { page-break-before: auto; margin-top: 0; }\n"
          ".bind-titlepage > * { max-width: 100%; }\n"
-         ".bind-titlepage.bind-booktitle { align-items: " +
+         ".bind-titlepage:first-child { align-items: " +
          std::string(flexPlace(title.alignment)) +
          "; text-align: " + std::string(alignmentName(title.alignment)) +
-         "; justify-content: " + std::string(verticalPlace(title.verticalPosition)) + "; }\n" +
-         ".bind-booktitle .bind-book-title { font-family: " +
-         cssFontFamily(spec.typography.headingFont) +
-         "; font-size: 2.2em; font-weight: bold; line-height: 1.2; margin: 0 0 0.5em; }\n"
-         ".bind-booktitle .bind-book-subtitle { font-size: 1.3em; line-height: 1.3; "
+         "; justify-content: " + std::string(verticalPlace(title.verticalPosition)) +
+         "; }\n"
+         ".bind-titlepage h1.bind-title { font-size: 2.2em; text-align: inherit; "
+         "margin: 0 0 0.5em; }\n"
+         ".bind-titlepage p.bind-subtitle { font-size: 1.3em; line-height: 1.3; "
          "font-style: italic; margin: 0 0 1.5em; }\n"
-         ".bind-booktitle .bind-book-author { font-size: 1.15em; line-height: 1.3; "
+         ".bind-titlepage p.bind-author { font-size: 1.15em; line-height: 1.3; "
          "margin: 1.5em 0 0; }\n"
          ".bind-pagebreak { page-break-after: always; height: 0; }\n";
 }

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "LKCore/Base/Text.h"
-#include "LKCore/Base/Words.h"
+#include "LKCore/Base/LocaleText.h"
 #include "LKCore/Bind/BookPasses.h"
 #include "LKCore/Bind/LKBindAssembler.h"
 #include "LKCore/Bind/LKBindCSSGenerator.h"
-#include "LKCore/Bind/LKBindFilter.h"
 #include "LKCore/Bind/LKBindSyntaxHighlighter.h"
 #include "LKCore/Bind/LKBindThemes.h"
 #include "LKCore/Bind/ProseLines.h"
@@ -21,8 +19,8 @@ namespace {
 
 // "de_DE" as "de-DE", by which browsers and print engines hyphenate; empty when the locale names no
 // language.
-std::string languageTag(std::string_view locale) {
-  std::string tag(locale.substr(0, locale.find_first_of(".@")));
+std::string languageTag(const std::string& locale) {
+  std::string tag = locale.substr(0, locale.find_first_of(".@"));
   std::ranges::replace(tag, '_', '-');
   const bool isLanguage = tag.size() >= 2 && !tag.starts_with("C") && !tag.starts_with("POSIX") &&
                           !tag.ends_with("-POSIX");
@@ -30,62 +28,6 @@ std::string languageTag(std::string_view locale) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
   });
   return isLanguage && isPlain ? tag : std::string();
-}
-
-int64_t wordsOf(const std::vector<LKBindNoteInput>& notes, const LKBindFilters& filters) {
-  size_t words = 0;
-  for (const LKBindNoteInput& note : notes) {
-    if (note.role == LKBindNoteRole::skip) continue;
-    words += wordCount(LKBindFilter::apply(note.body, filters));
-  }
-  return static_cast<int64_t>(words);
-}
-
-// The line without tokens that had no value; "" for what is blank.
-std::string titleLine(std::string_view text, const LKBindTokenContext& context) {
-  std::string line;
-  LKBindTokenResolver::walk(
-      text, [&](std::string_view literal) { line.append(literal); },
-      [&](std::string_view name) {
-        if (const auto value = LKBindTokenResolver::value(name, context)) {
-          line.append(*value);
-        } else if (!LKBindTokenResolver::isToken(name)) {
-          line.append("{").append(name).append("}");
-        }
-      });
-  return std::string(text::trimmed(line));
-}
-
-// The title page that the spec describes, for a book whose notes bring none.
-std::string titlePage(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& spec,
-                      const LKBindSubject& subject) {
-  const LKBindTitlePage& page = spec.frontMatter.titlePage;
-  const auto hasRole = [&](LKBindNoteRole role) {
-    return std::ranges::any_of(notes,
-                               [&](const LKBindNoteInput& note) { return note.role == role; });
-  };
-  const bool isEmpty = std::ranges::all_of(
-      notes, [](const LKBindNoteInput& note) { return note.role == LKBindNoteRole::skip; });
-  if (!page.include || isEmpty || hasRole(LKBindNoteRole::titlePage)) return {};
-  LKBindTokenContext context = subject.tokens();
-  const auto asksForWords = [](const std::string& text) {
-    return text.find("{wordcount}") != std::string::npos;
-  };
-  if (asksForWords(page.title) || asksForWords(page.subtitle) || asksForWords(page.author)) {
-    context.wordcount = wordsOf(notes, spec.filters);
-  }
-  std::string lines;
-  const auto add = [&](std::string_view text, std::string_view className) {
-    const std::string line = titleLine(text, context);
-    if (line.empty()) return;
-    lines.append("<p class=\"").append(className).append("\">");
-    lines.append(text::replacingAll(html::escaped(line), "\n", "<br>")).append("</p>\n");
-  };
-  add(page.title, "bind-book-title");
-  add(page.subtitle, "bind-book-subtitle");
-  add(page.author, "bind-book-author");
-  if (lines.empty()) return {};
-  return "<div class=\"bind-titlepage bind-booktitle\">\n" + lines + "</div>\n";
 }
 
 std::string bookBody(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& spec,
@@ -104,7 +46,7 @@ std::string bookBody(const std::vector<LKBindNoteInput>& notes, const LKBindSpec
   html = relocateFootnotesByChapter(std::move(html), spec.filters.footnotePlacement);
   html = withFigures(html, slots);
   if (spec.filters.syntaxHighlightCode) html = LKBindSyntaxHighlighter::applyToHTML(html);
-  return titlePage(notes, spec, subject) + html;
+  return html;
 }
 
 }  // namespace
@@ -113,7 +55,7 @@ std::string bind(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& sp
                  const LKBindSubject& subject, const LKBindDiagrams& mermaidRenders) {
   std::string sheet = LKBindCSSGenerator::css(spec, subject) + LKBindThemes::css(spec.theme);
   if (spec.filters.syntaxHighlightCode) sheet.append(LKBindSyntaxHighlighter::lightSheet());
-  const std::string language = languageTag(subject.locale);
+  const std::string language = languageTag(subject.locale.empty() ? userLocale() : subject.locale);
   std::string page = "<!DOCTYPE html>\n";
   page.append(language.empty() ? "<html>\n" : "<html lang=\"" + language + "\">\n");
   page.append("<head>\n<meta charset=\"utf-8\">\n<title>");
