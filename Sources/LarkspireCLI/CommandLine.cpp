@@ -130,10 +130,10 @@ Request parseLeaf(const LeafLine& line) {
 
 Request LK::parseAsRoot(const std::vector<std::string>& arguments) {
   if (!arguments.empty() && arguments.front() == completeWord) {
-    return CompletionValuesRequest{{std::next(arguments.begin()), arguments.end()}};
+    return CompletionValuesRequest{Words(std::next(arguments.begin()), arguments.end())};
   }
   if (!arguments.empty() && arguments.front() == manualWord) {
-    return ManualRequest{{std::next(arguments.begin()), arguments.end()}};
+    return ManualRequest{Words(std::next(arguments.begin()), arguments.end())};
   }
   LeafLine line;
   line.path = {&LK::configuration()};

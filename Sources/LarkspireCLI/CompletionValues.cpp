@@ -7,7 +7,6 @@
 #include <optional>
 #include <set>
 
-#include "LKCore/Base/Json.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/CacheSync/StoreIndexFacts.h"
 #include "LKCore/Collections/LKCollectionStore.h"
@@ -15,7 +14,8 @@
 #include "LKCore/Navigation/LKTaskContextStore.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/NoteRepository/LKFileIndex.h"
-#include "LKCore/Platform/Files.h"
+#include "LKCore/Properties/LKPropertySchemaStore.h"
+#include "LKCore/Queries/LKQueryStore.h"
 #include "LarkspireCLI/Support/AppContainerRegistry.h"
 #include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
@@ -29,8 +29,6 @@ namespace lk {
 namespace fs = std::filesystem;
 
 namespace {
-
-using Values = std::set<std::string>;
 
 struct CompletionKind {
   std::string_view name;
@@ -73,8 +71,8 @@ std::optional<std::string> collectionNamedIn(const std::vector<std::string>& wor
 
 // --- What ----------------------------------------------------------------------------------------
 
-Values offeredCollections() {
-  Values names;
+std::set<std::string> offeredCollections() {
+  std::set<std::string> names;
   for (const LKCollectionRecord& record : LKCollectionStore::shared().collections()) {
     names.insert(record.name);
   }
@@ -91,8 +89,8 @@ bool isInHiddenFolder(const fs::path& file, const fs::path& collection) {
 }
 
 // Daily notes are named by their day and would only be in the way.
-Values offeredTitles(const fs::path& collection) {
-  Values titles;
+std::set<std::string> offeredTitles(const fs::path& collection) {
+  std::set<std::string> titles;
   for (const fs::path& file : LKFileIndex::noteFiles(collection)) {
     if (!isInHiddenFolder(file, collection) && !LKNoteFilename::isUntitledFilename(file)) {
       titles.insert(LKNoteFilename::displayName(file));
@@ -101,22 +99,22 @@ Values offeredTitles(const fs::path& collection) {
   return titles;
 }
 
-Values offeredTrashedTitles(const fs::path& collection) {
-  Values titles;
+std::set<std::string> offeredTrashedTitles(const fs::path& collection) {
+  std::set<std::string> titles;
   for (const fs::path& file : NoteFinder::notesDirectlyIn(collection / ".trash")) {
     titles.insert(LKNoteFilename::displayName(file));
   }
   return titles;
 }
 
-Values offeredTags() {
+std::set<std::string> offeredTags() {
   CacheReader cache(LKParts::tags);
-  Values names;
+  std::set<std::string> names;
   for (const TagRow& row : OutputFormatter::tagRows(cache.fetchTags())) names.insert(row.tag);
   return names;
 }
 
-Values offeredProjectsOrContexts(Completion kind) {
+std::set<std::string> offeredProjectsOrContexts(Completion kind) {
   CacheReader cache(LKParts::tags | LKParts::tasks);
   LKContext* index = cache.container();
   if (index == nullptr) return {};
@@ -127,21 +125,10 @@ Values offeredProjectsOrContexts(Completion kind) {
   return {names.begin(), names.end()};
 }
 
-// The member "name" of the object, or of each object in the array, that a file holds.
-void addNamesInFile(const fs::path& file, Values& names) {
-  try {
-    const Json content = parseJson(readFile(file));
-    for (const Json& each : content.is_array() ? content : Json::array({content})) {
-      if (const auto name = stringMember(each, "name")) names.insert(*name);
-    }
-  } catch (const Error&) {
-    return;  // not there, or not ours
-  }
-}
-
-Values offeredProperties(const fs::path& collection) {
-  Values names;
-  addNamesInFile(collection / ".properties" / "schema.json", names);
+std::set<std::string> offeredProperties(const fs::path& collection) {
+  std::set<std::string> names;
+  const LKPropertySchemaStore schema([&] { return collection; });
+  for (const LKPropertyDefinition& each : schema.loadAll()) names.insert(each.name);
   CacheReader cache(LKParts::none);
   for (const LKNote* note : cache.fetchNotes()) {
     for (const auto& property : note->userProperties) names.insert(property.first);
@@ -149,16 +136,13 @@ Values offeredProperties(const fs::path& collection) {
   return names;
 }
 
-Values offeredQueries(const fs::path& collection) {
-  Values names;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(collection / ".queries", none)) {
-    if (entry.path().extension() == ".json") addNamesInFile(entry.path(), names);
-  }
+std::set<std::string> offeredQueries(const fs::path& collection) {
+  std::set<std::string> names;
+  for (const LKSavedQuery& each : LKQueryStore(collection).loadAll()) names.insert(each.name);
   return names;
 }
 
-Values offeredValues(Completion kind, const std::vector<std::string>& words) {
+std::set<std::string> offeredValues(Completion kind, const std::vector<std::string>& words) {
   if (kind == Completion::collection) return offeredCollections();
   const fs::path collection = resolvedCollectionAsItStands(collectionNamedIn(words), true);
   switch (kind) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
+#include <memory>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/Platform/Files.h"
@@ -19,17 +19,17 @@ namespace {
 
 std::string roffCharacter(char32_t scalar) {
   switch (scalar) {
-    case '\\':
+    case U'\\':
       return "\\e";
-    case '-':
+    case U'-':
       return "\\-";
-    case '\'':
+    case U'\'':
       return "\\(aq";
-    case '"':
+    case U'"':
       return "\\(dq";
-    case '~':
+    case U'~':
       return "\\(ti";
-    case '^':
+    case U'^':
       return "\\(ha";
     default:
       break;
@@ -52,12 +52,12 @@ std::string roffText(std::string_view text) {
     const bool startsLine = result.empty() || result.back() == '\n';
     const text::Decoded next = text::decode(text, offset);
     offset += next.length;
-    if (next.scalar == '`') {
+    if (next.scalar == U'`') {
       isBold = !isBold;
       result += !hasPairs ? "\\(ga" : isBold ? "\\fB" : "\\fR";
       continue;
     }
-    if (startsLine && next.scalar == '.') result += "\\&";
+    if (startsLine && next.scalar == U'.') result += "\\&";
     result += roffCharacter(next.scalar);
   }
   return result;
@@ -165,7 +165,7 @@ Additions readAdditions(const fs::path& file) {
     } else if (!additions.sections.empty()) {
       isExample = line == ".EX" || (isExample && line != ".EE");
       const bool isLiteral = isExample && line != ".EX";
-      additions.sections.back().body.append(isLiteral ? roffText(line) : line).append("\n");
+      additions.sections.back().body += (isLiteral ? roffText(line) : std::string(line)) + "\n";
     } else if (!line.starts_with(".\\\"")) {
       throw ManualError(file.string() + ": text above the first section: " + std::string(line));
     }
@@ -272,8 +272,9 @@ std::vector<ManualPage> manualPages(const fs::path& additions) {
   };
   const CommandPath root = {&LK::configuration()};
   add(root);
-  for (const CommandConfiguration& command : root.back()->subcommands)
+  for (const CommandConfiguration& command : root.back()->subcommands) {
     add(pathBelow(root, command));
+  }
   for (const auto& [name, file] : files) {
     if (!name.ends_with(".5")) throw ManualError(file.string() + " belongs to no page");
     pages.push_back({name, readFile(file)});
@@ -282,8 +283,7 @@ std::vector<ManualPage> manualPages(const fs::path& additions) {
 }
 
 void writeManual(const std::vector<std::string>& words) {
-  if (words.size() != 2)
-    throw ManualError("Give the folder of the additions and that of the pages.");
+  if (words.size() != 2) throw ManualError("Name the additions' folder and that of the pages.");
   const fs::path folder = words[1];
   createFolders(folder);
   for (const ManualPage& each : manualPages(words[0])) replaceFile(folder / each.name, each.text);

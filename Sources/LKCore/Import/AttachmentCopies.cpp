@@ -64,6 +64,26 @@ std::map<fs::path, std::string> copyAttachments(const std::vector<fs::path>& url
   return copied;
 }
 
+std::string attachmentReference(std::string_view storedName) {
+  std::string reference = ".attachments/";
+  for (const char c : storedName) {
+    switch (c) {
+      case ' ':
+        reference += "%20";
+        break;
+      case '(':
+        reference += "%28";
+        break;
+      case ')':
+        reference += "%29";
+        break;
+      default:
+        reference += c;
+    }
+  }
+  return reference;
+}
+
 FreeNames* attachmentNames(ImportContext& importContext) {
   if (!importContext.attachmentsDirectory) return nullptr;
   try {

@@ -189,7 +189,10 @@ std::string nextAvailableImportName(const std::string& base, FreeNames& names) {
 bool coordinatedWrite(std::string_view data, const fs::path& url,
                       const std::optional<Instant>& modificationDate) {
   LKImportActivity::recordWritten(url);
-  if (!LKFileWrite::createAtomically(data, url, Durability::atFlush)) return false;
+  if (!LKFileWrite::createAtomically(data, url, Durability::atFlush)) {
+    LKImportActivity::consumeImportEcho(url);  // the file that is there is somebody else's
+    return false;
+  }
   if (!modificationDate) return true;
   try {
     setModified(url, *modificationDate);

@@ -106,6 +106,10 @@ constexpr uint64_t kMegabyte = uint64_t{1024} * 1024;
 constexpr uint64_t kMaxAssetMegabytes = 20;
 
 fs::path textOfBundle(const fs::path& bundle) {
+  std::error_code error;
+  if (fs::is_symlink(fs::symlink_status(bundle, error))) {
+    throw ImportRefusal(kBundleReasons.unreadable);
+  }
   for (const char* name : {"text.markdown", "text.md", "text.txt", "text.text"}) {
     if (nameIsTaken(bundle / name)) return bundle / name;
   }
@@ -208,7 +212,7 @@ std::string BundleAssets::linked(std::string_view body) const {
     const std::string_view reference = inside.substr(0, inside.find(" \""));  // a title may follow
     const std::string* const name = reference.size() > longest ? nullptr : storedFor(reference);
     if (name == nullptr) continue;
-    result.append(body.substr(copied, at + 2 - copied)).append(".attachments/").append(*name);
+    result.append(body.substr(copied, at + 2 - copied)).append(attachmentReference(*name));
     copied = start + reference.size();
   }
   return result.append(body.substr(copied));
@@ -284,9 +288,7 @@ ItemResult importTextBundle(const fs::path& url, ImportContext& importContext,
     assets.copyAll();
     note.body = assets.linked(note.body);
     if (options.inlineTagPrefix) note.body = prefixInlineTags(note.body, *options.inlineTagPrefix);
-    for (const std::string& tag : readTextBundleTags(url)) {
-      note.body = appendTagToBody(note.body, tag);
-    }
+    note.body = appendTagLinesToBody(note.body, readTextBundleTags(url));
     note.body = appendTagsToBody(note.body, options.appendTags);
     writeImportedNote(note, importContext);
     return ItemResult{.success = true, .problems = assets.takeProblems()};

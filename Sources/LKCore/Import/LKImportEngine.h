@@ -150,6 +150,10 @@ std::map<std::filesystem::path, std::string> copyAttachments(
 // One of many: `names` are the folder's. Throws FileError.
 std::string copyAttachment(const std::filesystem::path& url, FreeNames& names);
 
+// What a note writes in a link to the stored file. A name with a number has a blank in it, which
+// would end the link, and so would a parenthesis in the "#..." that may stand behind a name.
+std::string attachmentReference(std::string_view storedName);
+
 // The names of the attachments' folder, which is made; null when there is none and none can be
 // made.
 FreeNames* attachmentNames(ImportContext& importContext);

@@ -101,6 +101,16 @@ std::string appendTagsToBody(std::string_view body, const std::vector<std::strin
   return std::string(withoutTrailingNewlines(body)) + "\n\n" + line + "\n";
 }
 
+std::string appendTagLinesToBody(std::string_view body, const std::vector<std::string>& tags) {
+  std::string lines;
+  for (const std::string& tag : tags) {
+    const std::string readable = readableTag(tag);
+    if (!readable.empty()) lines.append("\n\n#").append(readable);
+  }
+  if (lines.empty()) return std::string(body);
+  return std::string(withoutTrailingNewlines(body)) + lines + "\n";
+}
+
 std::string prefixInlineTags(std::string_view body, std::string_view prefix) {
   static const Pattern tag(
       R"((?<=^|[\s*~:\[(!=@])#((?=[\p{L}\p{M}\p{N}_/-]*\p{L})[\p{L}\p{M}\p{N}_/-]++))"

@@ -46,6 +46,8 @@ std::string readableTag(std::string_view tag);
 std::string appendTagToBody(std::string_view body, std::string_view tag);
 // The same with all of the tags on that line.
 std::string appendTagsToBody(std::string_view body, const std::vector<std::string>& tags);
+// The same with a line for each tag, as `appendTagToBody` makes them one after the other.
+std::string appendTagLinesToBody(std::string_view body, const std::vector<std::string>& tags);
 
 // Every tag of the text, outside fenced code, below the prefix, which ends in a slash.
 std::string prefixInlineTags(std::string_view body, std::string_view prefix);

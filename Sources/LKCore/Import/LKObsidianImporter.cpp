@@ -15,7 +15,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kRootTag = "imported/obsidian";
-constexpr std::string_view kAttachmentLink = ".attachments/";
 
 // --- Rewriting -----------------------------------------------------------------------------------
 
@@ -43,10 +42,6 @@ class LineCopy {
   std::string& result_;
   size_t copied_ = 0;
 };
-
-std::string linkTo(const std::string& name) {
-  return std::string(kAttachmentLink) + name;
-}
 
 // --- Notes ---------------------------------------------------------------------------------------
 
@@ -99,20 +94,22 @@ std::string convertedBody(const ObsidianEntry& entry, const ImageMapping& mappin
                           const ImportOptions& options) {
   std::string body = entry.body;
   if (!mapping.empty()) {
-    body = convertImageEmbeds(body, mapping);
+    // Embeds last: they become standard images, whose new names may be old names of other files.
     body = rewriteStandardImagePaths(body, mapping);
+    body = convertImageEmbeds(body, mapping);
   }
   body = convertAliasedLinks(body);
   body = LKImportEngine::prefixInlineTags(body, below(""));
   if (options.collapseParagraphs) body = LKImportEngine::collapseMarkdownParagraphs(body);
+  std::vector<std::string> tags;
   if (entry.frontMatter) {
     for (const std::string& tag : entry.frontMatter->tags) {
       const std::string readable = LKImportEngine::readableTag(tag);
-      if (!readable.empty()) body = LKImportEngine::appendTagToBody(body, below(readable));
+      if (!readable.empty()) tags.push_back(below(readable));
     }
   }
-  const std::string folder = entry.folderTag ? below(*entry.folderTag) : std::string(kRootTag);
-  body = LKImportEngine::appendTagToBody(body, folder);
+  tags.push_back(entry.folderTag ? below(*entry.folderTag) : std::string(kRootTag));
+  body = LKImportEngine::appendTagLinesToBody(body, tags);
   return LKImportEngine::appendTagsToBody(body, options.appendTags);
 }
 
@@ -139,7 +136,8 @@ std::string convertImageEmbeds(std::string_view body, const ImageMapping& imageM
         forEachWikiEmbed(line, [&](const Reference& reference) {
           const std::string* const name = storedName(reference.target.of(line), imageMapping);
           if (name == nullptr) return;
-          copy.replace(reference.whole.start, reference.whole.end, "![](" + linkTo(*name) + ")");
+          copy.replace(reference.whole.start, reference.whole.end,
+                       "![](" + LKImportEngine::attachmentReference(*name) + ")");
         });
         copy.finish();
       });
@@ -156,7 +154,8 @@ std::string rewriteStandardImagePaths(std::string_view body, const ImageMapping&
             name = storedName(LKImportEngine::percentDecoded(target), imageMapping);
           }
           if (name == nullptr) return;
-          copy.replace(reference.target.start, reference.target.end, linkTo(*name));
+          copy.replace(reference.target.start, reference.target.end,
+                       LKImportEngine::attachmentReference(*name));
         });
         copy.finish();
       });

@@ -8,6 +8,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKContentHash.h"
+#include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/Platform/Files.h"
 
 namespace lk::LKOwnFileContent {
@@ -75,7 +76,7 @@ void prune(Table& all, Instant now) {
 }  // namespace
 
 void record(std::string_view data, const fs::path& url) {
-  if (text::lowercased(url.extension().string()) == ".md")
+  if (LKNoteFilename::hasNoteExtension(url.filename().native()))
     recordDigest(computeRawDigest(data), url);
 }
 

@@ -91,6 +91,9 @@ void PropertySchemaDocument::requireUsableName(const LKPropertyDefinition& defin
 void PropertySchemaDocument::add(const LKPropertyDefinition& definition) {
   requireNoBuiltIn(definition.id);
   requireUsableName(definition);
+  if (rowWithID(definition.id) != nullptr) {
+    throw LKPropertySchemaError::duplicateName(definition.name);
+  }
   Json row = Json::object();
   writeDefinition(definition, row);
   rows_.push_back(std::move(row));

@@ -32,8 +32,8 @@ class PropertySchemaDocument {  // NOLINT(bugprone-exception-escape): moving JSO
   std::vector<LKPropertyDefinition> definitions(std::vector<std::string>* problems = nullptr) const;
 
   // Each throws LKPropertySchemaError and then has changed nothing: for a name that is reserved,
-  // or taken in any case by another row or a built-in; for the id of a built-in, or one that no
-  // row has.
+  // or taken in any case by another row or a built-in; for the id of a built-in; when adding, as a
+  // duplicate, for an id that a row has, and otherwise for one that no row has.
   void add(const LKPropertyDefinition& definition);
   void update(const LKPropertyDefinition& definition);
   void remove(const UUID& id);

@@ -29,8 +29,8 @@ UUID builtInID(uint8_t number) {
   return UUID::fromBytes(bytes);
 }
 
-LKSavedQuery builtIn(uint8_t number, const char* name, const char* symbol, const char* tint,
-                     std::vector<LKQueryRule> rules) {
+LKSavedQuery builtInQuery(uint8_t number, const char* name, const char* symbol, const char* tint,
+                          std::vector<LKQueryRule> rules) {
   LKSavedQuery query;
   query.id = builtInID(number);
   query.name = name;
@@ -90,14 +90,15 @@ std::set<UUID> LKQueryStore::builtInQueryIDs() {
 
 const std::vector<LKSavedQuery>& LKQueryStore::builtInDefinitions() {
   static const std::vector<LKSavedQuery> definitions = {
-      builtIn(1, "Overdue", "exclamationmark.circle", "orange",
-              {builtInRule(LKQueryRule::Field::taskDueDate, LKQueryRule::Operator::isOverdue)}),
-      builtIn(2, "Due Today", "calendar", "blue",
-              {builtInRule(LKQueryRule::Field::taskDueDate, LKQueryRule::Operator::isToday)}),
-      builtIn(3, "Due This Week", "calendar.badge.clock", "default",
-              {builtInRule(LKQueryRule::Field::taskCompletion, LKQueryRule::Operator::isFalse),
-               builtInRule(LKQueryRule::Field::taskDueDate,
-                           LKQueryRule::Operator::beforeDaysFromToday, "7")})};
+      builtInQuery(
+          1, "Overdue", "exclamationmark.circle", "orange",
+          {builtInRule(LKQueryRule::Field::taskDueDate, LKQueryRule::Operator::isOverdue)}),
+      builtInQuery(2, "Due Today", "calendar", "blue",
+                   {builtInRule(LKQueryRule::Field::taskDueDate, LKQueryRule::Operator::isToday)}),
+      builtInQuery(3, "Due This Week", "calendar.badge.clock", "default",
+                   {builtInRule(LKQueryRule::Field::taskCompletion, LKQueryRule::Operator::isFalse),
+                    builtInRule(LKQueryRule::Field::taskDueDate,
+                                LKQueryRule::Operator::beforeDaysFromToday, "7")})};
   return definitions;
 }
 

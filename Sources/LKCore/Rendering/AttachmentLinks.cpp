@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "LKCore/Attachments/LKAttachmentTypes.h"
 #include "LKCore/Base/Pattern.h"
@@ -9,6 +10,7 @@
 #include "LKCore/Rendering/HTMLPasses.h"
 #include "LKCore/Rendering/HTMLText.h"
 #include "LKCore/Rendering/NextPlace.h"
+#include "LKCore/Rendering/SourcePasses.h"
 
 namespace lk::LKMarkdownToHTML {
 
@@ -162,7 +164,12 @@ std::string renderAttachmentLinks(std::string html, SharingOptions::AttachmentHa
     copied = range.end;
   }
   if (copied == 0) return html;
-  return result.append(html, copied);
+  result.append(html, copied);
+  // What is left when a link goes can complete a page's tag within raw HTML.
+  if (handling == SharingOptions::AttachmentHandling::strip) {
+    return neutralisePageTags(std::move(result));
+  }
+  return result;
 }
 
 }  // namespace lk::LKMarkdownToHTML

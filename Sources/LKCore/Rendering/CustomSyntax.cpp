@@ -68,7 +68,8 @@ std::string withLinks(std::string line, const SharingOptions& options) {
     copied = link->range.end;
   }
   if (copied == 0) return line;
-  return result.append(line, copied);
+  // A bare title can complete a page's tag: "<[[script]]>".
+  return neutralisePageTags(std::move(result.append(line, copied)));
 }
 
 // --- Tasks ---------------------------------------------------------------------------------------

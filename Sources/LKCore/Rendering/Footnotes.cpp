@@ -106,9 +106,10 @@ std::string preprocessFootnotes(std::string text) {
   std::string result;
   result.reserve(text.size() + text.size() / 2);
   bool inFence = false;
-  for (const std::string_view line : split.kept) {
+  for (size_t i = 0; i < split.kept.size(); ++i) {
+    const std::string_view line = split.kept[i];
     if (isFenceMark(line)) inFence = !inFence;
-    if (&line != &split.kept.front()) result.push_back('\n');
+    if (i > 0) result.push_back('\n');
     if (inFence) {
       result.append(line);
     } else {

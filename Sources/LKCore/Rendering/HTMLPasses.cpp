@@ -9,6 +9,7 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/Rendering/HTMLText.h"
 #include "LKCore/Rendering/LKInlineImage.h"
+#include "LKCore/Rendering/SourcePasses.h"
 
 namespace lk::LKMarkdownToHTML {
 
@@ -26,7 +27,8 @@ bool isNotEmpty(std::string_view value) {
 }
 
 bool isOfTheWeb(std::string_view source) {
-  return source.starts_with("http://") || source.starts_with("https://");
+  const std::string start = text::lowercased(source.substr(0, std::string_view("https://").size()));
+  return start.starts_with("http://") || start.starts_with("https://");
 }
 
 bool isOutside(std::string_view source) {
@@ -99,9 +101,11 @@ std::optional<std::string> linkForImage(std::string_view tag, std::string_view s
 std::string bindTaskIDs(std::string html, Checkboxes boxes) {
   // A search that fails behind the attributes fails from every place within them.
   static const Pattern box(
-      R"re(<input type="checkbox"([^>]*+)(*SKIP)>(\s*+)<!--lkid:([0-9A-Fa-f-]++)-->)re");
+      R"re(<input type="checkbox"([^>]*+)(*SKIP)>(\s*+)<!--lkid:([0-9A-Fa-f-]+)-->)re");
   static const Pattern disabled(R"re(\s+disabled(="")?)re");
-  if (html.find("<!--lkid:") == std::string::npos) return html;
+  // Where cmark saw no task (in code, or within a block of HTML) a marker has no box before it.
+  static const Pattern unbound("(?:<|&lt;)!--lkid:[0-9A-Fa-f-]{36}--(?:>|&gt;)");
+  if (html.find("!--lkid:") == std::string::npos) return html;
   std::string result;
   result.reserve(html.size());
   size_t copied = 0;
@@ -118,7 +122,10 @@ std::string bindTaskIDs(std::string html, Checkboxes boxes) {
     result.append(isClosed ? "\" />" : "\">").append(match[2]->of(html));
     copied = match[0]->end;
   }
-  return result.append(html, copied);
+  result.append(html, copied);
+  if (result.find("!--lkid:") == std::string::npos) return result;
+  // What such a marker stood in can complete a page's tag within raw HTML.
+  return neutralisePageTags(unbound.replacingAll(result, ""));
 }
 
 std::string applySourceFragments(std::string html) {

@@ -11,7 +11,7 @@ namespace lk::LKMarkdownToHTML {
 
 enum class Checkboxes { still, interactive };
 
-// The markers of task identifiers move into the boxes before them.
+// The markers of task identifiers move into the boxes before them; one without a box goes.
 std::string bindTaskIDs(std::string html, Checkboxes boxes);
 
 // "a.png#400" in a source becomes a style.

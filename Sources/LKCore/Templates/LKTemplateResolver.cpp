@@ -88,7 +88,7 @@ TemplateDraft replaced(const TemplateDraft& draft, const PlaceholderText& textFo
   return result;
 }
 
-// The word is ASCII and no longer text is another case of it.
+// Words are ASCII, so a text of another length is no other case of one.
 bool isWord(std::string_view name, std::string_view word) {
   return name.size() == word.size() && text::equalIgnoringCase(name, word);
 }

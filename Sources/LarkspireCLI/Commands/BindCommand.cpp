@@ -1,6 +1,174 @@
 #include "LarkspireCLI/Commands/BindCommand.h"
 
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+#include "LKCore/Base/Json.h"
+#include "LKCore/Base/Text.h"
+#include "LKCore/Bind/CodeFence.h"
+#include "LKCore/Bind/LKBindEngine.h"
+#include "LKCore/Bind/LKBindThemes.h"
+#include "LKCore/Platform/Files.h"
+#include "LarkspireCLI/Commands/BindSpecOptions.h"
+#include "LarkspireCLI/Support/BindNotes.h"
+#include "LarkspireCLI/Support/CLIError.h"
+#include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/Output.h"
+#include "LarkspireCLI/Support/TagArgument.h"
+
 namespace lk {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kStandardOutput = "-";
+
+// What is bound: a tag, or else the title of a book note.
+struct BindSource {
+  std::string name;
+  bool isBook = false;
+};
+
+BindSource bindSource(const BindCommand& command) {
+  if (command.tag && command.book) {
+    throw CLIError::general("--tag and --book are mutually exclusive. Pick one.");
+  }
+  if (!command.tag && !command.book) {
+    throw CLIError::general("Must specify either --tag <path> or --book \"<note title>\".");
+  }
+  BindSource source = {
+      command.book ? *command.book : std::string(TagArgument::withoutHash(*command.tag)),
+      command.book.has_value()};
+  if (text::trimmed(source.name).empty()) throw CLIError::general("No source specified.");
+  return source;
+}
+
+std::optional<BindCommand::Format> bindFormat(const std::string& word) {
+  const std::string name = text::lowercased(word);
+  if (name == "pdf") return BindCommand::Format::pdf;
+  if (name == "docx") return BindCommand::Format::docx;
+  if (name == "epub") return BindCommand::Format::epub;
+  if (name == "html") return BindCommand::Format::html;
+  return std::nullopt;
+}
+
+std::string_view rawValue(BindCommand::Format format) {
+  switch (format) {
+    case BindCommand::Format::pdf:
+      return "pdf";
+    case BindCommand::Format::docx:
+      return "docx";
+    case BindCommand::Format::epub:
+      return "epub";
+    case BindCommand::Format::html:
+      break;
+  }
+  return "html";
+}
+
+// An output whose extension names no format is HTML on purpose.
+BindCommand::Format resolveFormat(const BindCommand& command) {
+  if (command.format) {
+    if (const auto format = bindFormat(*command.format)) return *format;
+    throw CLIError::general("Unknown format '" + *command.format +
+                            "'. Use pdf, docx, epub, or html.");
+  }
+  const std::string extension = fs::path(command.output.value_or("")).extension().string();
+  return bindFormat(extension.empty() ? "" : extension.substr(1))
+      .value_or(BindCommand::Format::html);
+}
+
+void requireHTML(BindCommand::Format format) {
+  if (format == BindCommand::Format::html) return;
+  throw CLIError::general("This version of lk makes HTML only, not " +
+                          text::uppercased(rawValue(format)) +
+                          ". Use --format html, or an --output that ends in .html.");
+}
+
+// Absolute; nothing for standard output. A tag's "/" cannot stand in a file name.
+std::optional<fs::path> resolveOutput(const BindCommand& command, const BindSource& source,
+                                      BindCommand::Format format, const BindNotes& notes) {
+  if (command.output == kStandardOutput) return std::nullopt;
+  if (command.output == "") throw CLIError::general("--output names no file.");
+  const std::string name =
+      text::replacingAll(source.name, "/", "-") + "." + std::string(rawValue(format));
+  fs::path path = fs::absolute(command.output.value_or(name)).lexically_normal();
+  if (notes.holds(path)) {
+    throw CLIError::general("The output " + path.string() +
+                            " is a note of this collection. Choose another --output.");
+  }
+  return path;
+}
+
+std::string countWithNoun(size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// The bodies of the "mermaid" fences that are closed.
+std::vector<std::string> extractMermaidSources(const std::vector<LKBindNoteInput>& inputs) {
+  std::vector<std::string> sources;
+  for (const LKBindNoteInput& input : inputs) {
+    std::optional<CodeFenceOpening> fence;
+    std::string content;
+    for (const std::string_view line : text::split(input.body, '\n')) {
+      if (!fence) {
+        fence = parseCodeFenceStart(line);
+        content.clear();
+      } else if (!isCodeFenceClose(line, *fence)) {
+        content.append(line).append("\n");
+      } else {
+        if (fence->language == "mermaid") sources.push_back(std::move(content));
+        fence.reset();
+      }
+    }
+  }
+  return sources;
+}
+
+// Nothing here can draw: what stands in a diagram's place is the engine's affair.
+void tellDiagrams(const GlobalOptions& options, const std::vector<LKBindNoteInput>& inputs) {
+  const size_t count = extractMermaidSources(inputs).size();
+  if (count == 0) return;
+  printNote(options, "Rendering mermaid (" + countWithNoun(count, "diagram") +
+                         ") is not possible in this version: a placeholder stands for each.");
+}
+
+void tellUnknownTheme(const GlobalOptions& options, const std::string& theme) {
+  std::string names;
+  for (const LKBindThemes::Descriptor& each : LKBindThemes::all) {
+    if (each.id == theme) return;
+    names.append(names.empty() ? "" : ", ").append(each.id);
+  }
+  printNote(options, "Warning: There is no theme '" + theme +
+                         "', so the book has none. Themes: " + names + ".");
+}
+
+std::vector<LKBindNoteInput> gatherInputs(const BindSource& source, BindNotes& notes,
+                                          const LKBindSpec& spec) {
+  std::vector<LKBindNoteInput> inputs;
+  if (source.isBook) {
+    inputs.push_back(notes.bookTitled(source.name));
+  } else {
+    inputs = notes.withTag(source.name);
+  }
+  try {
+    return LKBindNoteChoice::notesOfBook(std::move(inputs), spec, notes.source());
+  } catch (const LKBindError& error) {
+    throw CLIError::general(error.description());
+  }
+}
+
+void writeBook(const fs::path& path, const std::string& document) {
+  try {
+    replaceFile(path, document);
+  } catch (const FileError& error) {
+    throw CLIError::general("Could not write " + error.description());
+  }
+}
+
+}  // namespace
 
 void BindCommand::declare(ArgumentList& arguments) {
   arguments
@@ -82,7 +250,39 @@ void BindCommand::declare(ArgumentList& arguments) {
 }
 
 void BindCommand::run() {
-  throwComesLater("bind");
+  const BindSource source = bindSource(*this);
+  resolvedCollection(options.collection, options.quiet);
+  const LKBindSpec spec = buildSpec(*this);
+  BindNotes notes(options);
+  const std::vector<LKBindNoteInput> inputs = gatherInputs(source, notes, spec);
+  const BindCommand::Format resolvedFormat = resolveFormat(*this);
+  requireHTML(resolvedFormat);
+  const auto path = resolveOutput(*this, source, resolvedFormat, notes);
+  if (!options.json) {
+    printNote(options, "Binding " + countWithNoun(inputs.size(), "note") + " from " +
+                           (source.isBook ? "book \"" + source.name + "\"" : source.name) + " as " +
+                           std::string(rawValue(resolvedFormat)) + ".");
+  }
+  tellUnknownTheme(options, spec.theme);
+  if (spec.filters.renderMermaid) tellDiagrams(options, inputs);
+
+  const LKBindSubject subject = {.tagName = source.name,
+                                 .author = std::string(text::trimmed(author)),
+                                 .date = Instant::now(),
+                                 .locale = ""};
+  const std::string document = LKBindEngine::bind(inputs, spec, subject);
+  if (!path) {
+    printText(document);
+    return;
+  }
+  writeBook(*path, document);
+  if (options.json) {
+    printLine(printJson({{"format", rawValue(resolvedFormat)},
+                         {"noteCount", inputs.size()},
+                         {"path", path->string()}}));
+  } else {
+    printLine("✓ Wrote " + path->string());
+  }
 }
 
 }  // namespace lk

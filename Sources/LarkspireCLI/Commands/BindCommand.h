@@ -10,6 +10,8 @@ namespace lk {
 // `lk bind`
 class BindCommand final : public Command {
  public:
+  enum class Format { pdf, docx, epub, html };
+
   void declare(ArgumentList& arguments) override;
   void run() override;
 
@@ -20,10 +22,11 @@ class BindCommand final : public Command {
   std::string author;
   std::optional<std::string> specFile;
   std::string style = "standard";
-  std::string page = "letter";
+  // Not given, the style's own stays. What the other defaults below say is what every style has.
+  std::optional<std::string> page;
   std::string margin = "standard";
   std::string orientation = "portrait";
-  std::string chapterHeading = "numbers-and-titles";
+  std::optional<std::string> chapterHeading;
   std::string paragraphStyle = "larkspire";
   std::string headerFooter = "published-book";
   std::string footnotes = "per-page";

@@ -104,40 +104,31 @@ std::vector<std::string> typedOptions(std::string_view list) {
 
 // --- Use -----------------------------------------------------------------------------------------
 
-// The titles of notes without repeats, as long as a note's properties come one after the other.
-std::vector<std::string> noteTitlesOf(const std::vector<NoteProperty>& uses) {
-  std::vector<std::string> titles;
-  const fs::path* last = nullptr;
-  for (const NoteProperty& use : uses) {
-    if (last == nullptr || *last != use.noteURL) titles.push_back(use.noteTitle);
-    last = &use.noteURL;
-  }
-  return titles;
-}
-
 // A row for each key without a definition, under its first spelling.
 std::vector<OrphanRow> orphanRows(const std::vector<NoteProperty>& properties,
                                   const std::vector<LKPropertyDefinition>& schema) {
-  std::set<std::string> defined;
+  std::map<std::string, PropertyUse> orphans = PropertyScanner::usesByKey(properties);
   for (const LKPropertyDefinition& each : schema) {
-    defined.insert(text::caseInsensitiveKey(each.name));
+    orphans.erase(text::caseInsensitiveKey(each.name));
   }
-  std::map<std::string, std::vector<NoteProperty>> orphans;
-  for (const NoteProperty& property : properties) {
-    std::string key = text::caseInsensitiveKey(property.key);
-    if (!defined.contains(key)) orphans[std::move(key)].push_back(property);
-  }
-  const auto precedes = [](const std::string& a, const std::string& b) {
-    return text::compareLocalized(a, b) < 0;
-  };
   std::vector<OrphanRow> rows;
-  for (const auto& [key, uses] : orphans) {
-    std::vector<std::string> notes = noteTitlesOf(uses);
-    std::ranges::stable_sort(notes, precedes);
-    rows.push_back({uses.front().key, static_cast<int64_t>(notes.size()), std::move(notes)});
+  for (auto& [key, use] : orphans) {
+    PropertyScanner::sortTitles(use.noteTitles);
+    const auto count = static_cast<int64_t>(use.noteTitles.size());
+    rows.push_back({use.key, count, std::move(use.noteTitles)});
   }
-  std::ranges::stable_sort(rows, precedes, &OrphanRow::key);
+  std::ranges::stable_sort(rows, [](const OrphanRow& a, const OrphanRow& b) {
+    return text::compareLocalized(a.key, b.key) < 0;
+  });
   return rows;
+}
+
+// Sorted.
+std::vector<std::string> titlesOfUsers(const LKPropertyDefinition& definition,
+                                       const fs::path& collection) {
+  auto uses = PropertyScanner::usesByKey(
+      PropertyScanner::notesUsing(definition.name, std::nullopt, collection));
+  return uses.empty() ? std::vector<std::string>{} : std::move(uses.begin()->second.noteTitles);
 }
 
 std::string noteValueRowsJSON(const std::vector<NoteProperty>& uses) {
@@ -179,7 +170,7 @@ void PropertiesShowCommand::run() {
   const std::vector<LKPropertyDefinition> schema = readPropertySchema(options);
   const LKPropertyDefinition& definition = requireDefinition(name, schema);
   PropertyDetailRow row;
-  row.notes = noteTitlesOf(PropertyScanner::notesUsing(definition.name, std::nullopt, collection));
+  row.notes = titlesOfUsers(definition, collection);
   static_cast<PropertyRow&>(row) = propertyRow(definition, static_cast<int64_t>(row.notes.size()));
   row.minValue = definition.minValue;
   row.maxValue = definition.maxValue;

@@ -12,6 +12,7 @@
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/DailyBlockWriter.h"
 #include "LarkspireCLI/Support/DailyNoteSeed.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
@@ -72,10 +73,9 @@ std::optional<UUID> idOfLastTask(const fs::path& url, const std::string& line) {
 
 std::optional<UUID> addToToday(const fs::path& collection, const std::string& line) {
   const Day today = Day::local(Instant::now());
-  const bool isThere = nameIsTaken(LKDailyNoteService::dailyNoteURL(today, collection));
-  const std::string seed = isThere ? "" : dailyNoteSeedBody(today);
+  const std::string seed = dailyNoteSeedBodyIfMissing(today, collection);
   std::optional<UUID> id;
-  writeNotes([&] {
+  DailyBlockWriter::writeDailyNote([&] {
     id = idOfLastTask(LKDailyNoteService::appendText(line, today, collection, seed, true), line);
   });
   return id;

@@ -54,8 +54,8 @@ class TaskAmendment {
   std::string applied(std::string_view line) const {
     std::string changed(line);
     const auto replace = [&](const char* key, bool isCleared, const std::string& value) {
-      if (isCleared || !value.empty()) changed = TaskLineEdits::clearMetaToken(changed, key);
-      if (!value.empty()) changed = TaskLineEdits::setMetaToken(changed, key, value);
+      if (isCleared) changed = TaskLineEdits::clearMetaToken(changed, key);
+      if (!value.empty()) changed = TaskLineEdits::replaceMetaToken(changed, key, value);
     };
     replace("due", command_.clearDue, due_);
     replace("priority", command_.clearPriority, priority_);

@@ -9,6 +9,7 @@
 #include "LKCore/Attachments/AttachmentUses.h"
 #include "LKCore/Attachments/LKAttachmentTypes.h"
 #include "LKCore/Base/Text.h"
+#include "LKCore/NoteFiles/LKNoteFilename.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Platform/FolderReader.h"
 #include "LKCore/Platform/FolderWalk.h"
@@ -45,15 +46,11 @@ std::vector<AttachmentInfo> attachmentsIn(const fs::path& folder) {
   return attachments;
 }
 
-bool isNoteName(std::string_view name) {
-  return text::equalIgnoringCase(LKAttachmentTypes::pathExtension(name), "md");
-}
-
 // A name that leads nowhere holds nothing.
 bool mayHoldNotes(const fs::path& path) {
   try {
     const auto info = fileInfo(path);
-    return info && (info->isDirectory || isNoteName(path.native()));
+    return info && (info->isDirectory || LKNoteFilename::hasNoteExtension(path.native()));
   } catch (const FileError&) {
     return true;
   }
@@ -89,7 +86,7 @@ std::vector<AttachmentInfo> scan(const fs::path& collection,
   walkFolder(
       collection,
       [&](const WalkEntry& entry) {
-        if (mayBeFile(entry) && isNoteName(entry.name)) {
+        if (mayBeFile(entry) && LKNoteFilename::hasNoteExtension(entry.name)) {
           countIn(std::string(entry.relativePath));
         }
         return WalkStep::proceed;

@@ -1,7 +1,5 @@
 #include "LarkspireCLI/Support/Command.h"
 
-#include "LarkspireCLI/Support/CLIError.h"
-
 namespace lk {
 
 ArgumentList argumentsOf(Command& command) {
@@ -12,10 +10,6 @@ ArgumentList argumentsOf(Command& command) {
   help.shortName = "-h";
   help.global = true;
   return arguments;
-}
-
-void throwComesLater(std::string_view command) {
-  throw CLIError::general("`lk " + std::string(command) + "` isn't part of this version of lk.");
 }
 
 }  // namespace lk

@@ -26,8 +26,4 @@ class Command {
 // options, then --help. The list points into the command.
 ArgumentList argumentsOf(Command& command);
 
-// Ends a run of a command that this version only knows by name: a `general` CLIError that says
-// so. `command` is the words after `lk`, e.g. "tasks add".
-[[noreturn]] void throwComesLater(std::string_view command);
-
 }  // namespace lk

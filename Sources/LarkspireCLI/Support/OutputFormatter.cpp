@@ -401,8 +401,8 @@ std::string formatOrphanList(const std::vector<OrphanRow>& rows, bool asJSON) {
     return jsonEncode(array);
   }
   if (rows.empty()) return "No orphaned properties found.";
-  std::string text = std::to_string(rows.size()) + " orphaned property key" +
-                     (rows.size() == 1 ? "" : "s") + " (no schema definition):";
+  std::string text =
+      std::to_string(rows.size()) + " orphaned property keys (no schema definition):";
   for (const OrphanRow& row : rows) text += "\n" + row.key + " " + countOfNotes(row.noteCount);
   return text;
 }

@@ -30,11 +30,21 @@ struct NoteProperty {
   bool operator==(const NoteProperty&) const = default;
 };
 
+// A property and the notes that have it.
+struct PropertyUse {
+  std::string key;                      // as first met
+  std::vector<std::string> noteTitles;  // each note once, in whatever cases it has the key
+};
+
 namespace PropertyScanner {
 
 // In the order of the files' paths, by bytes, and of the keys.
 std::vector<NoteProperty> scanAllProperties(const std::filesystem::path& collection,
                                             bool includeDailyNotes = true);
+
+// By text::caseInsensitiveKey; the titles in the order of the properties, in which those of one
+// note stand together.
+std::map<std::string, PropertyUse> usesByKey(const std::vector<NoteProperty>& properties);
 
 // How many notes have the property: of every definition and of every other key in the notes, by
 // its text::caseInsensitiveKey.
@@ -46,6 +56,9 @@ std::map<std::string, int64_t> usageCounts(const std::filesystem::path& collecti
 std::vector<NoteProperty> notesUsing(const std::string& property,
                                      const std::optional<std::string>& value,
                                      const std::filesystem::path& collection);
+
+// Puts titles in the order of lists for people.
+void sortTitles(std::vector<std::string>& titles);
 
 }  // namespace PropertyScanner
 

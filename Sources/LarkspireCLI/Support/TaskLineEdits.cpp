@@ -36,6 +36,16 @@ std::string withoutRanges(const TaskLineParts& parts, const std::vector<TextRang
   return std::string(parts.head).append(beganWithOne ? text::trimmedLeading(left) : left);
 }
 
+// The words with this key, its colon included, that readers take for metadata: behind a blank, or
+// first.
+std::vector<TextRange> metaTokens(std::string_view words, std::string_view key) {
+  std::vector<TextRange> found = tokens(words, {key, TaskToken::Value::word});
+  std::erase_if(found, [&](const TextRange& range) {
+    return range.start > 0 && words[range.start - 1] != ' ';
+  });
+  return found;
+}
+
 // --- Contexts ------------------------------------------------------------------------------------
 
 // Equal for two spellings of one context.
@@ -43,14 +53,10 @@ std::string contextKey(std::string_view name) {
   return text::composed(LKTaskContextStore::normalised(name));
 }
 
-// The words that readers take for contexts: behind a blank, or first.
 std::vector<TextRange> contextTokens(std::string_view words) {
-  std::vector<TextRange> found;
-  for (const std::string_view key : {"context:", "contexts:"}) {
-    for (const TextRange& range : tokens(words, {key, TaskToken::Value::word})) {
-      if (range.start == 0 || words[range.start - 1] == ' ') found.push_back(range);
-    }
-  }
+  std::vector<TextRange> found = metaTokens(words, "context:");
+  const std::vector<TextRange> lists = metaTokens(words, "contexts:");
+  found.insert(found.end(), lists.begin(), lists.end());
   std::ranges::sort(found, {}, &TextRange::start);
   return found;
 }
@@ -82,6 +88,12 @@ std::optional<std::string> contextTokenReplacing(std::string_view token, const s
 
 std::string setMetaToken(std::string_view line, std::string_view key, std::string_view value) {
   return std::string(withoutTrailingSpace(line)).append(" ").append(key).append(":").append(value);
+}
+
+std::string replaceMetaToken(std::string_view line, std::string_view key, std::string_view value) {
+  const TaskLineParts parts = partsOf(line);
+  const std::string keyed = std::string(key) + ":";
+  return setMetaToken(withoutRanges(parts, metaTokens(parts.words, keyed)), key, value);
 }
 
 std::string clearMetaToken(std::string_view line, std::string_view key) {

@@ -4,7 +4,7 @@
 // feed in it; one that a function edits is a task line (isTaskLine) and stays one, whatever stands
 // directly behind its mark. Text is UTF-8.
 //
-//     setMetaToken(clearMetaToken("- [ ] Sow due:2026-03-20", "due"), "due", "2026-04-01")
+//     replaceMetaToken("- [ ] Sow due:2026-03-20", "due", "2026-04-01")
 //         == "- [ ] Sow due:2026-04-01"
 
 #include <cstddef>
@@ -20,6 +20,10 @@ namespace lk::TaskLineEdits {
 
 // The line with "key:value" at its end, behind one blank.
 std::string setMetaToken(std::string_view line, std::string_view key, std::string_view value);
+
+// The same in place of every word that readers take for that key's. "overdue:x" and "(due:x)" are
+// other words and stay.
+std::string replaceMetaToken(std::string_view line, std::string_view key, std::string_view value);
 
 // The line without any "key:value", in this case alone and also at the end of a longer word, and
 // without the blanks before each.

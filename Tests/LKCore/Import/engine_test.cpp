@@ -128,7 +128,7 @@ TEST_F(ImportEngine, TakesABundleWithItsAssets) {
   const auto result = engine::performImport({source()}, context);
   EXPECT_EQ(result.importedCount, 1U);
   EXPECT_EQ(note("Trip").body,
-            "# Trip\n![boat](.attachments/my_boat.png) [map](.attachments/map 2.pdf \"The map\") "
+            "# Trip\n![boat](.attachments/my_boat.png) [map](.attachments/map%202.pdf \"The map\") "
             "![gone](assets/gone.png)\n\n#by-sea\n\n#2024\n");
   const std::vector<engine::ImportProblem> expected = {
       {"Trip.textbundle", "huge.mov (too large: 21 MB, max 20 MB)"},
@@ -152,11 +152,15 @@ TEST_F(ImportEngine, RefusesABundleInTheToldWords) {
   fs::create_directories(source() / "Link.textbundle");
   fs::create_symlink("/etc/passwd", source() / "Link.textbundle/text.md");
   write("Wide.textbundle/text.md", std::string("\xFF\xFEh\0i\0", 6));
+  fs::create_directories(folder / "elsewhere");
+  writeWhole(folder / "elsewhere/text.md", "outside");
+  fs::create_directory_symlink(folder / "elsewhere", source() / "Away.textbundle");
   const std::map<std::string, std::string> expected = {
       {"None.textbundle",
        "No text file found (expected text.markdown, text.md, text.txt, or text.text)"},
       {"Blank.textbundle", "Text file is empty"},
       {"Link.textbundle", "Could not read text file"},
+      {"Away.textbundle", "Could not read text file"},
       {"Wide.textbundle", "Could not decode text file (not UTF-8 or macOS Roman)"},
   };
   EXPECT_EQ(reasons(engine::performImport({source()}, context)), expected);

@@ -240,7 +240,7 @@ TEST_F(Vault, ComesWithFoldersTagsDatesAndPictures) {
             "See [[Plan]] #imported/obsidian/start ![](.attachments/photo.png)\n\n"
             "#imported/obsidian\n");
   EXPECT_EQ(body("Plan"),
-            "![here](.attachments/photo 2.png) ![](.attachments/manual.PDF#page=3) ![[Home]]\n\n"
+            "![here](.attachments/photo%202.png) ![](.attachments/manual.PDF#page=3) ![[Home]]\n\n"
             "#imported/obsidian/a\n\n#imported/obsidian/b-c\n\n"
             "#imported/obsidian/Work/My-notes\n");
   const auto plan = parseDocument(test::readWhole(notes() / "Plan.md")).frontMatter;
@@ -249,6 +249,17 @@ TEST_F(Vault, ComesWithFoldersTagsDatesAndPictures) {
   EXPECT_EQ(test::readWhole(notes() / ".attachments/photo.png"), "of all");
   EXPECT_EQ(test::readWhole(notes() / ".attachments/photo 2.png"), "of work");
   EXPECT_FALSE(fs::exists(notes() / ".attachments/unused.png"));
+}
+
+TEST_F(Vault, TakesNoNewNameOfAPictureForAnOldOne) {
+  write("Home.md", "![[a b.png]] ![[a_b.png]] ![](a_b.png)");
+  write("a b.png", "first");
+  write("a_b.png", "second");
+  EXPECT_EQ(imported(root()).importedCount, 1U);
+  EXPECT_EQ(test::readWhole(notes() / ".attachments/a_b 2.png"), "second");
+  EXPECT_EQ(body("Home"),
+            "![](.attachments/a_b.png) ![](.attachments/a_b%202.png) "
+            "![](.attachments/a_b%202.png)\n\n#imported/obsidian\n");
 }
 
 TEST_F(Vault, FindsAttachmentsInTheToldOrder) {

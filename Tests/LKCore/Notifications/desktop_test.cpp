@@ -117,10 +117,12 @@ class FakeService {
   static int receive(void* message, void* data, void* /*error*/) {
     auto& service = *static_cast<FakeService*>(data);
     if (service.isCall(message, "GetCapabilities")) {
-      return service.variadic("sd_bus_reply_method_return")(message, "as", 2, "actions",
-                                                            "body-markup");
+      service.variadic("sd_bus_reply_method_return")(message, "as", 2, "actions", "body-markup");
+      return 1;
     }
-    return service.isCall(message, "Notify") ? service.show(message) : 0;
+    if (!service.isCall(message, "Notify")) return 0;
+    service.show(message);
+    return 1;
   }
 
   using Variadic = int (*)(void*, const char*, ...);
@@ -130,7 +132,7 @@ class FakeService {
     return call("sd_bus_message_is_method_call", message, kName, member) > 0;
   }
 
-  int show(void* message) {
+  void show(void* message) {
     const char* application = nullptr;
     uint32_t replaced = 0;
     const char* icon = nullptr;
@@ -151,7 +153,7 @@ class FakeService {
     variadic("sd_bus_reply_method_return")(message, "u", number);
     const auto signal = symbol<Signal>("sd_bus_emit_signal");
     signal(bus_, kPath, kName, "ActionInvoked", "us", number, words.at(2).c_str());
-    return signal(bus_, kPath, kName, "NotificationClosed", "uu", number, 2U);
+    signal(bus_, kPath, kName, "NotificationClosed", "uu", number, 2U);
   }
 
   static constexpr const char* kName = "org.freedesktop.Notifications";

@@ -98,6 +98,7 @@ TEST_F(PropertySchema, RefusesWhatCannotBe) {
   for (const char* name : {"ÜBUNG", "U\u0308bung", "project", "Manuscript-Role"}) {
     EXPECT_EQ(refusal([&] { store_.add(definition(name)); }), Case::duplicateName) << name;
   }
+  EXPECT_EQ(refusal([&] { store_.add(known); }), Case::duplicateName);
   LKPropertyDefinition builtIn = LKBuiltInProperties::manuscriptRole();
   builtIn.name = "other";
   EXPECT_EQ(refusal([&] { store_.update(builtIn); }), Case::builtIn);

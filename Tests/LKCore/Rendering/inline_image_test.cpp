@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "LKCore/Rendering/LKAutolinkDetector.h"
@@ -37,9 +39,9 @@ TEST(InlineImage, IsFoundWithWhatItAsksFor) {
       {"![b|30|40](#40)", "0+15 b|30 -> #40 w40\n"},
       {"![b|4x0](a.png#123456)", "0+22 b -> a.png#123456 w4\n"},
       {"é\U0001F600 [n](f.pdf#hide) ![](c.gif)",
-       "4+16 n -> f.pdf hidden document\n21+10  -> c.gif\n"},
+       "4+15 n -> f.pdf hidden document\n20+10  -> c.gif\n"},
       {"[n](f.md) [n](http://a/f.pdf) [n](#2) [n](f.zip#other)", "38+16 n -> f.zip document\n"},
-      {"`![a](b.png)` ``x` ![a](c.png)``  `![a](d.png)", "35+12 a -> d.png\n"},
+      {"`![a](b.png)` ``x` ![a](c.png)``  `![a](d.png)", "35+11 a -> d.png\n"},
       {"![a](b c.png) ![a]() ![a](d.png", ""},
   };
   for (const auto& [paragraph, expected] : cases) EXPECT_EQ(form(paragraph), expected) << paragraph;

@@ -4,9 +4,12 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "LKCore/Base/Text.h"
 #include "LKCore/Rendering/HTMLPasses.h"
 #include "LKCore/Rendering/LKMarkdownToHTML.h"
 #include "LKCore/Rendering/SourcePasses.h"
@@ -146,16 +149,17 @@ TEST(SourcePass, NumbersFootnotes) {
 }
 
 TEST(HTMLPass, BindsTaskIDs) {
-  const std::string marker = "<!--lkid:0A-b-->";
+  const std::string id = kFirst.text();
+  const std::string marker = "<!--lkid:" + id + "-->";
   expectAll({{"still", "<input type=\"checkbox\" disabled=\"\" /> " + marker + "x",
-              "<input type=\"checkbox\" disabled=\"\" data-task-id=\"0A-b\" /> x"},
+              "<input type=\"checkbox\" disabled=\"\" data-task-id=\"" + id + "\" /> x"},
              {"raw", "<input type=\"checkbox\" class=\"a\" disabled>" + marker,
-              "<input type=\"checkbox\" class=\"a\" disabled data-task-id=\"0A-b\">"},
-             {"elsewhere", "<p>" + marker + "</p>", "<p>" + marker + "</p>"}},
+              "<input type=\"checkbox\" class=\"a\" disabled data-task-id=\"" + id + "\">"},
+             {"elsewhere", "<p>a" + marker + "b&lt;!--lkid:" + id + "--&gt;</p>", "<p>ab</p>"}},
             [](const std::string& html) { return bindTaskIDs(html, Checkboxes::still); });
   EXPECT_EQ(bindTaskIDs("<input type=\"checkbox\" checked=\"\" disabled=\"\" /> " + marker,
                         Checkboxes::interactive),
-            "<input type=\"checkbox\" checked=\"\" data-task-id=\"0A-b\" /> ");
+            "<input type=\"checkbox\" checked=\"\" data-task-id=\"" + id + "\" /> ");
 }
 
 TEST(HTMLPass, SizesImages) {
@@ -223,7 +227,7 @@ TEST(HTMLPass, RendersAttachmentLinks) {
     EXPECT_EQ(renderAttachmentLinks(row.html, AttachmentHandling::strip), row.strip);
     EXPECT_EQ(renderAttachmentLinks(row.html, AttachmentHandling::keepLinks), row.plain);
   }
-  for (const std::string other :
+  for (const char* const other :
        {R"(<a href="http://a/b.pdf">x</a>)", R"(<a href="b.md#data-lk-attachment">x</a>)",
         R"(<a href="a.pdf">x)"}) {
     EXPECT_EQ(renderAttachmentLinks(other, AttachmentHandling::strip), other);
@@ -234,7 +238,7 @@ TEST(HTMLPass, CaptionsFiguresAndBlocksTheWeb) {
   const std::string image = R"(<img src="https://a/b.png" alt="c" />)";
   const std::string figure = promoteCaptionedFigures("<p>" + image + "</p>");
   EXPECT_EQ(figure, "<figure class=\"lk-figure\">" + image + "<figcaption>c</figcaption></figure>");
-  for (const std::string other :
+  for (const std::string& other :
        {"<p>a " + image + "</p>", std::string(R"(<p><img src="a" alt="" /></p>)")}) {
     EXPECT_EQ(promoteCaptionedFigures(other), other);
   }
@@ -242,6 +246,7 @@ TEST(HTMLPass, CaptionsFiguresAndBlocksTheWeb) {
   EXPECT_EQ(blockWebImages(figure),
             "<figure class=\"lk-figure\">" + link +
                 "Web image not loaded</a><figcaption>c</figcaption></figure>");
+  EXPECT_EQ(blockWebImages(R"(<img src="HTTP://a/b.png" alt="c" />)"), link + "c</a>");
   EXPECT_EQ(blockWebImages(image + R"(<img src="a.png" alt="" />)"),
             link + R"(c</a><img src="a.png" alt="" />)");
 }
@@ -300,17 +305,30 @@ TEST(HTMLBody, ShowsATitleAsNothingButText) {
       {"<title>", "&lt;title&gt;"},
       {"*a* `b` ~~c~~", "&#42;a&#42; &#96;b&#96; &#126;&#126;c&#126;&#126;"},
       {"a\r\rb", "a&#13;&#13;b"}};
-  for (const auto& [title, inHTML] : titles) {
+  for (const auto& row : titles) {
+    const std::string& title = row.first;
+    const std::string& inHTML = row.second;
     const std::string link =
         "<a class=\"backlink\" href=\"larkspire://open?title=" + inHTML + "\">";
-    for (const std::string frame : {"", "> [!NOTE]\n> ", "[^1]\n\n[^1]: "}) {
-      const std::string html = rendered(frame + "[[" + title + "]]");
+    for (const char* const frame : {"", "> [!NOTE]\n> ", "[^1]\n\n[^1]: "}) {
+      const std::string html = rendered(std::string(frame) + "[[" + title + "]]");
       EXPECT_NE(html.find(link), std::string::npos) << title << "\n" << html;
     }
     SharingOptions resolving;
     resolving.backlinkResolver = [&](std::string_view) { return title; };
     EXPECT_NE(rendered("[[A]]", resolving).find("?id=" + inHTML + "\">A</a>"), std::string::npos)
         << title;
+  }
+}
+
+TEST(HTMLBody, MakesNoPageTagOfPieces) {
+  const SharingOptions& sharing = SharingOptions::sharing();
+  for (const char* text :
+       {"<[[script]]>x", "<div>\n<<a href=\"a.pdf\">script</a>>x", "![](%3Cscript%3E.zip)",
+        "~~~\n```\n~~~\n<script>", "`a\n<script>",
+        "<div>\n<&lt;!--lkid:00000000-0000-4000-8000-000000000001--&gt;script>"}) {
+    const std::string html = rendered(text, sharing, {kFirst});
+    EXPECT_EQ(html.find("<script"), std::string::npos) << html;
   }
 }
 

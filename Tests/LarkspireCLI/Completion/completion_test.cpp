@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -52,6 +53,21 @@ TEST(ShellLine, isReadAsTheShellReadsIt) {
   for (const auto& [line, words] : rows) EXPECT_EQ(shown(shellCommands(line)), words) << line;
 }
 
+TEST(ShellLine, givesBackWhatWasQuoted) {
+  std::string all;
+  for (char c = ' '; c <= '~'; ++c) all += c;
+  for (const std::string& value : {all, std::string("Grüße 日本"), std::string("a\\")}) {
+    for (const std::string quote : {"", "\"", "'"}) {
+      const std::string line =
+          "lk x " + quote + shellQuoted(value, quote.empty() ? '\0' : quote.front()) + quote;
+      const std::vector<ShellWords> commands = shellCommands(line);
+      ASSERT_EQ(commands.size(), 1U) << line;
+      ASSERT_EQ(commands.front().size(), 3U) << line;
+      EXPECT_EQ(commands.front().back().text, value) << line;
+    }
+  }
+}
+
 // --- The tool ------------------------------------------------------------------------------------
 
 constexpr std::string_view nasty = "It's \"quoted\" $HOME `x`!";
@@ -70,8 +86,11 @@ class CompletionValues : public testing::Test {
     fs::create_directories(home() / "Garden/.trash");
     test::writeWhole(home() / "Garden/.trash/Weeds.md", "");
     fs::create_directories(home() / "Garden/.queries");
-    test::writeWhole(home() / "Garden/.queries/A.json", R"({"name": "Due Today"})");
-    test::writeWhole(home() / "Garden/.queries/B.json", "{");
+    const std::string query = "8D116ECE-1738-47D9-BD9C-172411E20B8F";
+    test::writeWhole(home() / "Garden/.queries" / (query + ".json"),
+                     R"({"combiner": "all", "createdDate": "2026-03-14T09:26:53Z", "id": ")" +
+                         query + R"(", "name": "Due Today", "rules": []})");
+    test::writeWhole(home() / "Garden/.queries/57EE05CD-E009-42C7-BEBF-F20686734721.json", "{");
     fs::create_directory(home() / "Other");
     test::writeWhole(home() / "Other/Only here.md", "");
     for (const char* name : {"Garden", "Other"}) {
@@ -107,7 +126,7 @@ TEST_F(CompletionValues, areThoseOfTheCollectionThatTheLineNames) {
       {{"words", "trashed", "argument", "restore"}, "Weeds"},
       {{"words", "context", "value"}, "errand|garden"},
       {{"words", "project", "value"}, "spring-sowing"},
-      {{"words", "property", "value"}, "manuscript-role|rating|status"},
+      {{"words", "property", "value"}, "Project|manuscript-role|rating|status"},
       {{"words", "query", "argument"}, "Due Today"},
       {{"words", "collection", "value"}, "Garden|Other"},
       {{"words", "unheard", "value"}, ""},
@@ -188,7 +207,8 @@ TEST_P(ShellCompletion, writesTitlesAsTheShellReadsThem) {
   const std::vector<std::string> arguments =
       shell == "bash" ? std::vector<std::string>{"--noprofile", "--rcfile", "bashrc", "-i"}
                       : std::vector<std::string>{"-d", "-i"};
-  const std::string path = fs::path(LK_TOOL_PATH).parent_path().string() + ":" + getenv("PATH");
+  const std::string path =
+      fs::path(LK_TOOL_PATH).parent_path().string() + ":" + std::getenv("PATH");
   test::PseudoTerminal terminal(
       sandbox, shell, arguments,
       {.environment = {{"PATH", path}, {"TERM", "dumb"}, {"ZDOTDIR", home().string()}}});
@@ -224,7 +244,8 @@ INSTANTIATE_TEST_SUITE_P(shells, ShellCompletion, testing::Values("bash", "zsh")
 TEST_F(CompletionValues, areOfferedByFish) {
   if (sandbox.run("fish", {"--version"}).status == 127) GTEST_SKIP() << "fish isn't installed";
   test::writeWhole(home() / "script", sandbox.lk({"--generate-completion-script", "fish"}).out);
-  const std::string path = fs::path(LK_TOOL_PATH).parent_path().string() + ":" + getenv("PATH");
+  const std::string path =
+      fs::path(LK_TOOL_PATH).parent_path().string() + ":" + std::getenv("PATH");
   const auto offered = [&](const std::string& line) {
     const test::ProcessResult result =
         sandbox.run("fish", {"--no-config", "-c", "source ~/script; complete -C " + line},

@@ -139,7 +139,7 @@ TEST_F(Formatter, WritesWhatIsSetOfAProperty) {
             "Name: rating\nType: number\nCreated: 2026-03-14T09:26:53Z\nUsed by: 0 notes\n"
             "Required: yes\nMin: 1\nMax: 4.5\nNotes:\n  A");
   EXPECT_EQ(OutputFormatter::formatOrphanList({{"mood", 1, {"A"}}}, false),
-            "1 orphaned property key (no schema definition):\nmood (1 notes)");
+            "1 orphaned property keys (no schema definition):\nmood (1 notes)");
 }
 
 TEST(DatesOfRows, AreTheCalendarsInAnyZoneAndOrder) {

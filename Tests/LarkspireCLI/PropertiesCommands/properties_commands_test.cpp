@@ -92,7 +92,7 @@ class PropertiesCommands : public test::Reading {
  protected:
   void noteWith(const std::string& path, const std::map<std::string, std::string>& properties,
                 const std::string& body = "Words.") const {
-    note(path, body, 0, [&](LKFileFrontMatter& block) { block.userProperties = properties; });
+    note(path, body, 0, [&](LKFileFrontMatter& front) { front.userProperties = properties; });
   }
   std::string block(const std::string& path) const { return test::readWhole(file(path)); }
 };
@@ -104,13 +104,14 @@ TEST_F(PropertiesCommands, FindWhatStandsInTheBlocksOfNotesAlone) {
   noteWith(".trash/Gone", {{"mood", "gone"}});
   noteWith("Long", {{"mood", std::string(9'000, 'x')}}, std::string(50'000, 'y'));
   noteWith("Latin body", {{"n", "2"}}, std::string(9'000, 'z') + "\xE9");
+  noteWith("Latin start", {{"n", "5"}}, "\xE9");
   test::writeWhole(notes() / "No line feed.MD", "---\nid: " + UUID::random().text() +
                                                     "\ncreated: 2026-03-14T09:26:53Z\nn: 3\n---");
   test::writeWhole(notes() / "Latin.md", "---\nid: 0\nn: \xE9\n---\n");
   test::writeWhole(notes() / "Plain.md", "n: 4\n" + std::string(9'000, 'z'));
   fs::create_directory(notes() / "n.md");
 
-  const std::map<std::string, int64_t> counts = {{"mood", 4}, {"n", 3}, {"unused", 0}};
+  const std::map<std::string, int64_t> counts = {{"mood", 4}, {"n", 4}, {"unused", 0}};
   LKPropertyDefinition unused;
   unused.name = "Unused";
   EXPECT_EQ(PropertyScanner::usageCounts(notes(), {unused}), counts);
@@ -118,13 +119,13 @@ TEST_F(PropertiesCommands, FindWhatStandsInTheBlocksOfNotesAlone) {
   for (const NoteProperty& each : PropertyScanner::scanAllProperties(notes(), false)) {
     found.push_back(each.noteTitle + "|" + each.key + "|" + each.value.substr(0, 4));
   }
-  EXPECT_EQ(found, (std::vector<std::string>{"Untitled|mood|", "Latin body|n|2", "Long|mood|xxxx",
-                                             "No line feed|n|3", "Plan|Mood|calm", "Plan|mood|wild",
-                                             "Plan|n|1"}));
+  EXPECT_EQ(found, (std::vector<std::string>{"Untitled|mood|", "Latin body|n|2", "Latin start|n|5",
+                                             "Long|mood|xxxx", "No line feed|n|3", "Plan|Mood|calm",
+                                             "Plan|mood|wild", "Plan|n|1"}));
 
   const ProcessResult orphans = lk("properties|orphans");
   EXPECT_EQ(orphans.out,
-            "2 orphaned property keys (no schema definition):\nmood (4 notes)\nn (3 notes)\n");
+            "2 orphaned property keys (no schema definition):\nmood (4 notes)\nn (4 notes)\n");
   EXPECT_EQ(titles("properties|notes|MOOD|--value|CALM"),
             (std::vector<std::string>{"20260310", "Plan"}));
 }

@@ -24,8 +24,7 @@ std::string to(TaskStatus status, const std::string& line) {
 }
 
 std::string due(const std::string& line) {
-  return TaskLineEdits::setMetaToken(TaskLineEdits::clearMetaToken(line, "due"), "due",
-                                     "2026-04-01");
+  return TaskLineEdits::replaceMetaToken(line, "due", "2026-04-01");
 }
 
 TEST(TaskLineEdits, ChangeTheWordsThatTheyNameAndKeepTheMark) {
@@ -40,6 +39,8 @@ TEST(TaskLineEdits, ChangeTheWordsThatTheyNameAndKeepTheMark) {
       {"a date that stands is replaced", due("\t- [ ] a due:2026-01-01 b  "),
        "\t- [ ] a b due:2026-04-01"},
       {"two dates become one", due("- [ ] a due:x due:2026-01-01"), "- [ ] a due:2026-04-01"},
+      {"words that only hold the key stay", due("- [ ] overdue:x (due:y)"),
+       "- [ ] overdue:x (due:y) due:2026-04-01"},
       {"a date right behind the mark", due("- [ ] due:2026-01-01"), "- [ ] due:2026-04-01"},
       {"cleared right behind the mark", clearMetaToken("- [ ] due:x Sow", "due"), "- [ ] Sow"},
       {"nothing left but the mark", clearMetaToken("- [/] due:x", "due"), "- [/] "},
