@@ -3,7 +3,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include <string>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "LKCore/Bind/LKBindAssembler.h"
