@@ -1,7 +1,6 @@
 #include "Tools/GeneratedNotes.h"
 
 #include <array>
-#include <cstdio>
 #include <fstream>
 #include <stdexcept>
 #include <string_view>
@@ -10,6 +9,7 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
+#include "Tools/Numbers.h"
 
 namespace lk::test {
 
@@ -20,41 +20,10 @@ constexpr size_t kParts = 7;
 constexpr size_t kTasks = 3;
 constexpr size_t kLinks = 3;
 
-constexpr std::array<std::string_view, 24> kWords = {
-    "lantern", "harbour", "meadow", "ledger", "kettle", "window",   "river",   "thyme",
-    "copper",  "orchard", "letter", "signal", "ribbon", "workshop", "granite", "autumn",
-    "piano",   "market",  "bridge", "café",   "Straße", "정원",     "façade",  "żaglówka"};
 constexpr std::array<std::string_view, 12> kTags = {
     "garden",  "home/repairs", "work/plan", "projects/acme", "projects/acme/site",
     "reading", "travel/spain", "музыка",    "recipes",       "people/ann",
     "health",  "정원"};
-
-// Numbers by splitmix64, the same everywhere.
-class Numbers {
- public:
-  explicit Numbers(uint64_t state) : state_(state) {}
-
-  uint64_t next() {
-    state_ += 0x9E3779B97F4A7C15ULL;
-    uint64_t bits = state_;
-    bits = (bits ^ (bits >> 30U)) * 0xBF58476D1CE4E5B9ULL;
-    bits = (bits ^ (bits >> 27U)) * 0x94D049BB133111EBULL;
-    return bits ^ (bits >> 31U);
-  }
-
-  size_t below(size_t limit) { return static_cast<size_t>(next() % limit); }
-
-  template <typename List>
-  std::string_view oneOf(const List& list) {
-    return list[below(list.size())];
-  }
-
-  // Mostly the words without accents, as in most notes.
-  std::string_view word() { return kWords[below(below(8) == 0 ? kWords.size() : 19)]; }
-
- private:
-  uint64_t state_;
-};
 
 Numbers numbersOf(size_t index, uint64_t seed) {
   Numbers mixed(seed);
@@ -66,17 +35,6 @@ std::string titleOf(size_t index, uint64_t seed) {
   std::string title(numbers.word());
   title.append(" ").append(numbers.word()).append(" ").append(std::to_string(index));
   return title;
-}
-
-UUID idFrom(Numbers& numbers) {
-  const uint64_t high = numbers.next();
-  const uint64_t low = numbers.next();
-  std::array<char, 37> text{};
-  std::snprintf(text.data(), text.size(), "%08x-%04x-4%03x-8%03x-%012llx",
-                static_cast<unsigned>(high >> 32U), static_cast<unsigned>(high >> 16U & 0xFFFFU),
-                static_cast<unsigned>(high & 0xFFFU), static_cast<unsigned>(low >> 52U),
-                static_cast<unsigned long long>(low & 0xFFFFFFFFFFFFULL));
-  return UUID::parse(text.data()).value();
 }
 
 std::string dayFrom(Numbers& numbers) {
@@ -93,14 +51,6 @@ std::string taskFrom(Numbers& numbers) {
   return task;
 }
 
-std::string sentenceFrom(Numbers& numbers) {
-  std::string sentence = "The";
-  for (size_t left = 6 + numbers.below(9); left > 0; --left) {
-    sentence.append(" ").append(numbers.word());
-  }
-  return sentence.append(".");
-}
-
 class Body {
  public:
   void add(std::string_view line) {
@@ -108,7 +58,7 @@ class Body {
     ++lines_;
   }
   void addTask(const std::string& line, Numbers& numbers) {
-    entries_.push_back({lines_, idFrom(numbers), taskHash(line)});
+    entries_.push_back({lines_, numbers.id(), taskHash(line)});
     add(line);
   }
 
@@ -132,7 +82,7 @@ std::string tagLine(Numbers& numbers) {
 // Prose between, so that tasks and links stand all over the note.
 Body bodyFrom(Numbers& numbers, size_t count, uint64_t seed, size_t size) {
   Body body;
-  body.add("# " + sentenceFrom(numbers));
+  body.add("# " + numbers.sentence());
   body.add("");
   body.add(tagLine(numbers));
   size_t tasks = 0;
@@ -147,7 +97,7 @@ Body bodyFrom(Numbers& numbers, size_t count, uint64_t seed, size_t size) {
       body.add("See [[" + titleOf(numbers.below(count), seed) + "]] too.");
       ++links;
     } else {
-      body.add(sentenceFrom(numbers));
+      body.add(numbers.sentence());
     }
   }
   return body;
@@ -161,7 +111,7 @@ GeneratedNote generatedNote(size_t index, size_t count, uint64_t seed) {
   const size_t bodySize = 960 + numbers.below(4700);
   const Body body = bodyFrom(numbers, count, seed, bodySize);
   LKFileFrontMatter frontMatter;
-  frontMatter.id = idFrom(numbers);
+  frontMatter.id = numbers.id();
   frontMatter.created = {1'767'225'600 + static_cast<int64_t>(numbers.below(31'536'000)), 0};
   frontMatter.title = title;
   frontMatter.taskEntries = body.entries();

@@ -24,7 +24,7 @@ std::string quoted(std::string_view text) {
     if (byte == 0) {
       result.append("\xEF\xBF\xBD");  // a style sheet has no such character
     } else if (isSpecial) {
-      std::array<char, 8> escape{};
+      std::array<char, 16> escape{};
       std::snprintf(escape.data(), escape.size(), "\\%x ", static_cast<unsigned>(byte));
       result.append(escape.data());
     } else {

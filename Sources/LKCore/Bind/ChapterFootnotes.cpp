@@ -55,10 +55,10 @@ class Chapters {
       const size_t label = start + kReference.size();
       const size_t quote = division.find('"', label);
       const size_t number = std::min(division.find('>', label), division.size() - 1) + 1;
-      const size_t end = division.find(kReferenceEnd, label);
-      if (quote == std::string_view::npos || end == std::string_view::npos || number > end) break;
+      const size_t end = division.find_first_not_of("0123456789", number);
+      if (quote == std::string_view::npos || end == std::string_view::npos) break;
       const auto item = byLabel_.find(division.substr(label, quote - label));
-      if (item == byLabel_.end()) continue;
+      if (item == byLabel_.end() || !division.substr(end).starts_with(kReferenceEnd)) continue;
       if (item->second->number == 0) {
         own.push_back(item->second);
         item->second->number = own.size();

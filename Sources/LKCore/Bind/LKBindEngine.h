@@ -26,9 +26,9 @@ namespace lk {
 
 // A diagram as a picture: SVG when there is any, else PNG.
 struct LKBindDiagram {
-  std::string svg;   // the whole document
-  std::string png;   // bytes
-  double width = 0;  // CSS pixels; 0: the picture's own
+  std::string svg;       // the whole document
+  std::string png = {};  // bytes
+  double width = 0;      // CSS pixels; 0: the picture's own
   double height = 0;
 
   bool operator==(const LKBindDiagram&) const = default;

@@ -185,9 +185,9 @@ class CodeReader {
       ++place_;
     }
     if (isNumber) return TokenKind::number;
-    const std::string_view word = code_.substr(start, place_ - start);
+    const std::string_view name = code_.substr(start, place_ - start);
     const bool isKeyword =
-        syntax_.ignoresCase ? keywords_.contains(text::lowercased(word)) : keywords_.contains(word);
+        syntax_.ignoresCase ? keywords_.contains(text::lowercased(name)) : keywords_.contains(name);
     return isKeyword ? std::optional(TokenKind::keyword) : std::nullopt;
   }
 

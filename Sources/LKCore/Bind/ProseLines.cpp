@@ -76,6 +76,7 @@ class ProseWalk {
       return false;
     }
     if (fences_.take(line) != CodeFenceWalk::Line::outside) {
+      isBehindGap_ = false;
       if (block_ != Block::list) block_ = Block::other;
       return false;
     }

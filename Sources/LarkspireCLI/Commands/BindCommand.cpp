@@ -1,6 +1,5 @@
 #include "LarkspireCLI/Commands/BindCommand.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <utility>
 #include <vector>
@@ -24,8 +23,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using BindFormat = BindCommand::Format;
-
 constexpr const char* kStandardOutput = "-";
 
 // What is bound: a tag, or else the title of a book note.
@@ -48,42 +45,43 @@ BindSource bindSource(const BindCommand& command) {
   return source;
 }
 
-std::optional<BindFormat> bindFormat(const std::string& word) {
+std::optional<BindCommand::Format> bindFormat(const std::string& word) {
   const std::string name = text::lowercased(word);
-  if (name == "pdf") return BindFormat::pdf;
-  if (name == "docx") return BindFormat::docx;
-  if (name == "epub") return BindFormat::epub;
-  if (name == "html") return BindFormat::html;
+  if (name == "pdf") return BindCommand::Format::pdf;
+  if (name == "docx") return BindCommand::Format::docx;
+  if (name == "epub") return BindCommand::Format::epub;
+  if (name == "html") return BindCommand::Format::html;
   return std::nullopt;
 }
 
-std::string_view rawValue(BindFormat format) {
+std::string_view rawValue(BindCommand::Format format) {
   switch (format) {
-    case BindFormat::pdf:
+    case BindCommand::Format::pdf:
       return "pdf";
-    case BindFormat::docx:
+    case BindCommand::Format::docx:
       return "docx";
-    case BindFormat::epub:
+    case BindCommand::Format::epub:
       return "epub";
-    case BindFormat::html:
+    case BindCommand::Format::html:
       break;
   }
   return "html";
 }
 
 // An output whose extension names no format is HTML on purpose.
-BindFormat resolveFormat(const BindCommand& command) {
+BindCommand::Format resolveFormat(const BindCommand& command) {
   if (command.format) {
     if (const auto format = bindFormat(*command.format)) return *format;
     throw CLIError::general("Unknown format '" + *command.format +
                             "'. Use pdf, docx, epub, or html.");
   }
   const std::string extension = fs::path(command.output.value_or("")).extension().string();
-  return bindFormat(extension.empty() ? "" : extension.substr(1)).value_or(BindFormat::html);
+  return bindFormat(extension.empty() ? "" : extension.substr(1))
+      .value_or(BindCommand::Format::html);
 }
 
-void requireHTML(BindFormat format) {
-  if (format == BindFormat::html) return;
+void requireHTML(BindCommand::Format format) {
+  if (format == BindCommand::Format::html) return;
   throw CLIError::general("This version of lk makes HTML only, not " +
                           text::uppercased(rawValue(format)) +
                           ". Use --format html, or an --output that ends in .html.");
@@ -91,7 +89,7 @@ void requireHTML(BindFormat format) {
 
 // Absolute; nothing for standard output. A tag's "/" cannot stand in a file name.
 std::optional<fs::path> resolveOutput(const BindCommand& command, const BindSource& source,
-                                      BindFormat format, const BindNotes& notes) {
+                                      BindCommand::Format format, const BindNotes& notes) {
   if (command.output == kStandardOutput) return std::nullopt;
   if (command.output == "") throw CLIError::general("--output names no file.");
   const std::string name =
@@ -257,7 +255,7 @@ void BindCommand::run() {
   const LKBindSpec spec = buildSpec(*this);
   BindNotes notes(options);
   const std::vector<LKBindNoteInput> inputs = gatherInputs(source, notes, spec);
-  const BindFormat resolvedFormat = resolveFormat(*this);
+  const BindCommand::Format resolvedFormat = resolveFormat(*this);
   requireHTML(resolvedFormat);
   const auto path = resolveOutput(*this, source, resolvedFormat, notes);
   if (!options.json) {
