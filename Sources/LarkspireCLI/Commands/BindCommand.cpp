@@ -11,6 +11,7 @@
 #include "LKCore/Bind/LKBindThemes.h"
 #include "LKCore/Platform/Files.h"
 #include "LarkspireCLI/Commands/BindSpecOptions.h"
+#include "LarkspireCLI/Commands/BindTitlePage.h"
 #include "LarkspireCLI/Support/BindNotes.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
@@ -254,12 +255,13 @@ void BindCommand::run() {
   resolvedCollection(options.collection, options.quiet);
   const LKBindSpec spec = buildSpec(*this);
   BindNotes notes(options);
-  const std::vector<LKBindNoteInput> inputs = gatherInputs(source, notes, spec);
+  std::vector<LKBindNoteInput> inputs = gatherInputs(source, notes, spec);
   const BindCommand::Format resolvedFormat = resolveFormat(*this);
   requireHTML(resolvedFormat);
+  const size_t noteCount = inputs.size();
   const auto path = resolveOutput(*this, source, resolvedFormat, notes);
   if (!options.json) {
-    printNote(options, "Binding " + countWithNoun(inputs.size(), "note") + " from " +
+    printNote(options, "Binding " + countWithNoun(noteCount, "note") + " from " +
                            (source.isBook ? "book \"" + source.name + "\"" : source.name) + " as " +
                            std::string(rawValue(resolvedFormat)) + ".");
   }
@@ -270,6 +272,9 @@ void BindCommand::run() {
                                  .author = std::string(text::trimmed(author)),
                                  .date = Instant::now(),
                                  .locale = ""};
+  if (auto titlePage = titlePageOf(spec, subject, inputs)) {
+    inputs.insert(inputs.begin(), std::move(*titlePage));
+  }
   const std::string document = LKBindEngine::bind(inputs, spec, subject);
   if (!path) {
     printText(document);
@@ -278,7 +283,7 @@ void BindCommand::run() {
   writeBook(*path, document);
   if (options.json) {
     printLine(printJson({{"format", rawValue(resolvedFormat)},
-                         {"noteCount", inputs.size()},
+                         {"noteCount", noteCount},
                          {"path", path->string()}}));
   } else {
     printLine("✓ Wrote " + path->string());

@@ -112,21 +112,20 @@ TEST_F(Bind, AddsATitlePageWhereNoNoteIsOne) {
     return lk("bind|--tag|novel|--output|-|--quiet" + options).out;
   };
   EXPECT_NE(bound("|--author|Ann <Green> #x")
-                .find("<p class=\"bind-book-author\">Ann &lt;Green&gt; #x</p>"),
+                .find("<p class=\"bind-author\">Ann &#60;Green&#62; &#35;x</p>"),
             std::string::npos);
   const std::string unsignedBook = bound("");
-  EXPECT_NE(unsignedBook.find("<p class=\"bind-book-title\">Novel</p>"), std::string::npos);
-  EXPECT_EQ(unsignedBook.find("<p class=\"bind-book-author\">"), std::string::npos);
+  EXPECT_NE(unsignedBook.find("<h1 class=\"bind-title\">Novel</h1>"), std::string::npos);
+  EXPECT_EQ(unsignedBook.find("<p class=\"bind-author\">"), std::string::npos);
   test::writeWhole(
       written("spec.json"),
       R"({"front_matter": {"title_page": {"include": false, "title": "", "subtitle": "",
                        "author": "", "alignment": "left", "vertical_position": "top"},
                        "table_of_contents": {"include": false, "title": "", "max_depth": 1}}})");
-  EXPECT_EQ(bound("|--spec-file|spec.json").find("<p class=\"bind-book-title\">"),
-            std::string::npos);
+  EXPECT_EQ(bound("|--spec-file|spec.json").find("<h1 class=\"bind-title\">"), std::string::npos);
   part("B", "own", "", "title-page");
   const std::string own = bound("");
-  EXPECT_EQ(own.find("<p class=\"bind-book-title\">"), std::string::npos);
+  EXPECT_EQ(own.find("<h1 class=\"bind-title\">"), std::string::npos);
   EXPECT_EQ(wordsOf(own), "own only");
 }
 
@@ -138,11 +137,12 @@ TEST_F(Bind, AddsTheNotesThatASpecNames) {
   test::writeWhole(written("spec.json"),
                    R"({"filters": {"skip_notes_tagged": "draft"}, "theme": "swiss",
                        "back_matter": {"about_author_note": "Me"}, "front_matter": {
-                       "title_page": {"include": true, "title": "T", "subtitle": "titlezz",
+                       "title_page": {"include": true, "title": "T", "subtitle": "{wordcount} titlezz by {author_surname} {x}",
                        "author": "", "alignment": "left", "vertical_position": "top"},
                        "copyright_note": "Rights",
                        "table_of_contents": {"include": false, "title": "", "max_depth": 1}}})");
   const std::string line = "bind|--tag|novel|--output|-|--spec-file|spec.json";
+  EXPECT_NE(lk(line + "|--quiet").out.find(">4 titlezz by  &#123;x&#125;</p>"), std::string::npos);
   // The options that shape a preset do not apply, be they right or wrong.
   EXPECT_EQ(wordsOf(lk(line + "|--style|none|--quiet").out), "title rights chapter me");
   fs::remove(file("Me"));
