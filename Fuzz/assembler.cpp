@@ -27,7 +27,7 @@ size_t timesIn(std::string_view text, std::string_view part) {
   return times;
 }
 
-// The first line names the book, the second one is a text of the spec; the rest is divided into
+// The first line names the book, the second one is a text of the bind spec; the rest is divided into
 // notes at lines that begin with "%", whose next letter is the role.
 struct BookInput {
   std::vector<lk::LKBindNoteInput> notes;

@@ -31,7 +31,7 @@ std::string withFigures(std::string_view html, const DiagramSlots& slots);
 // --- Contents ------------------------------------------------------------------------------------
 
 // The manuscript with identifiers in the headings of parts and chapters, and the contents before
-// the first of them. Unchanged when the spec wants no contents or lists no heading.
+// the first of them. Unchanged when the bind spec wants no contents or lists no heading.
 std::string injectTOC(std::string_view manuscript, const LKBindSpec& spec);
 
 // The contents as lines of HTML, with an empty line behind them.

@@ -5,7 +5,7 @@
 // footnotes). It says what a print engine may use; an engine without page margin boxes, running
 // strings or named pages leaves those out and sets the book all the same.
 //
-// Every text of the spec, the tag and the author stands in quotes that it cannot leave. Pure
+// Every text of the bind spec, the tag and the author stands in quotes that it cannot leave. Pure
 // functions; nothing throws.
 
 #include <string>

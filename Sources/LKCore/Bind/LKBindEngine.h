@@ -9,7 +9,7 @@
 // LKBindAssembler makes one Markdown manuscript of them, LKMarkdownToHTML renders it, and the engine
 // adds contents, footnotes of chapters, diagrams, colours of code and styles.
 //
-// What the tool itself writes cannot be forged by a title, a tag, an author or a text of the spec:
+// What the tool itself writes cannot be forged by a title, a tag, an author or a text of the bind spec:
 // they are escaped for the place where they stand. Pure functions of valid UTF-8, for any thread;
 // nothing throws. Time is linear in the notes. No notes give a document with an empty body.
 

@@ -13,7 +13,7 @@
 // `specDescription` is called "description". Lengths that end in `In` are inches, in `Pt` points.
 // "Token text" may hold tokens such as {title} or {author}, which the engine expands.
 //
-// The initial value of a field is its default. The spec itself, `LKBindHeadings`,
+// The initial value of a field is its default. The bind spec itself, `LKBindHeadings`,
 // `LKBindHeaderFooter`, `LKBindFilters` and `LKBindBackMatter` take it for each key that is missing;
 // in every other record all keys must be there, except those of optional fields.
 
@@ -266,7 +266,7 @@ struct LKBindSpec {
   LKBindOutput output;
   std::string theme = "manuscript";
 
-  // The spec of a document; keys that nobody here knows are passed over. Throws JsonError, whose
+  // The bind spec of a document; keys that nobody here knows are passed over. Throws JsonError, whose
   // text names the key by its path and the line in the document, and LKBindSpecError for a schema
   // version above the supported one.
   static LKBindSpec decode(std::string_view bytes);

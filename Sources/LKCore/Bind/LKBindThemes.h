@@ -1,7 +1,7 @@
 #pragma once
 
 // Looks of a book beyond its spec: the family of the text, the colours of headings, links, code and
-// tables. A theme never touches sizes, spaces or the page, which belong to the spec.
+// tables. A theme never touches sizes, spaces or the page, which belong to the bind spec.
 
 #include <array>
 #include <string>

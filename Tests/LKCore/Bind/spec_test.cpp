@@ -164,7 +164,7 @@ TEST(BindSpec, readsTheWordsOfItsChoices) {
 
 struct PartialCase {
   std::string document;
-  std::function<void(LKBindSpec&)> change;  // of the spec with all defaults
+  std::function<void(LKBindSpec&)> change;  // of the bind spec with all defaults
 };
 
 TEST(BindSpec, takesDefaultsForWhatSomeRecordsLack) {
