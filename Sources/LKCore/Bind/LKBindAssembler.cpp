@@ -199,7 +199,6 @@ class Manuscript {
   std::string text_;
   std::vector<std::string> endSections_;
   size_t scenes_ = 0;  // of this chapter
-  bool
 };
 
 }  // namespace
