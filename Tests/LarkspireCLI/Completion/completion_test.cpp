@@ -124,7 +124,7 @@ TEST_F(CompletionValues, areThoseOfTheCollectionThatTheLineNames) {
        "-dash first|Compost|Foreword|Grüße 日本|Harvest|" + std::string(nasty) +
            "|Plan: beds|Planting plan|Seeds to order|The first bed|Tool shed|Water"},
       {{"words", "trashed", "argument", "restore"}, "Weeds"},
-      {{"words", "context", "value"}, "errand|garden"},
+      {{"words", "context", "value"}, "errand|garden|phone"},
       {{"words", "project", "value"}, "spring-sowing"},
       {{"words", "property", "value"}, "Project|manuscript-role|rating|status"},
       {{"words", "query", "argument"}, "Due Today"},
