@@ -27,13 +27,23 @@ size_t count(std::string_view text, std::string_view part) {
   return found;
 }
 
+// "<scripts" is a tag of another name, which no browser knows.
+bool holdsTag(std::string_view html, std::string_view start) {
+  for (size_t at = html.find(start); at != std::string_view::npos; at = html.find(start, at + 1)) {
+    const size_t end = at + start.size();
+    if (end == html.size() || std::string_view(" \t\n\f\r/>").find(html[end]) != start.npos) {
+      return true;
+    }
+  }
+  return false;
+}
+
 void check(std::string_view text, const lk::LKMarkdownToHTML::SharingOptions& options) {
   static const std::vector<lk::UUID> ids = {
       *lk::UUID::parse("00000000-0000-4000-8000-000000000001")};
   const std::string html = lk::LKMarkdownToHTML::htmlBody(text, options, ids, true, false);
   require(html == lk::LKMarkdownToHTML::htmlBody(text, options, ids, true, false));
-  for (const char* tag : {"<script", "<SCRIPT", "<iframe", "</body"})
-    require(count(html, tag) == 0);
+  for (const char* tag : {"<script", "<SCRIPT", "<iframe", "</body"}) require(!holdsTag(html, tag));
   const bool isOwn = options.flattenBacklinks || count(text, "data-task-id") > 0;
   require(isOwn || count(html, " data-task-id=\"") <= 1);
   lk::LKMarkdownToHTML::blockWebImages(html);
