@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 const std::vector<std::vector<std::string>> kFloors = {
     {"Base"},
     {"Platform"},
-    {"Collections", "Terminology", "NoteFiles", "Attachments"},
+    {"Collections", "Terminology", "NoteFiles", "Attachments", "Modules", "Pictures"},
     {"LexParse", "ParagraphModel"},
     {"Tasks", "Navigation"},
     {"Tags"},
@@ -29,7 +29,7 @@ const std::vector<std::vector<std::string>> kFloors = {
     {"Backlinks", "CacheSync"},
     {"NoteRepository"},
     {"DailyNotes", "Properties", "Templates", "Queries", "Notifications", "Import", "Rendering",
-     "Ranks", "Bind"},
+     "Ranks", "Bind", "DOCX", "EPUB", "PDF"},
 };
 
 std::map<std::string, size_t> floorOfFolder() {
