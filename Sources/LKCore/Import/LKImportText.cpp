@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "LKCore/Base/Pattern.h"
+#include "LKCore/Base/PercentDecoding.h"
 #include "LKCore/Base/Text.h"
 
 namespace lk::LKImportEngine {
@@ -24,13 +25,6 @@ std::string withLineFeedsAlone(std::string_view text) {
 
 bool mayStandInTag(char32_t scalar) {
   return text::isLetter(scalar) || text::isDecimalDigit(scalar) || scalar == '-' || scalar == '/';
-}
-
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
 }
 
 std::string_view withoutTrailingNewlines(std::string_view text) {
@@ -136,18 +130,7 @@ std::string_view stripYAMLQuotes(std::string_view value) {
 }
 
 std::string percentDecoded(std::string_view text) {
-  if (text.find('%') == std::string_view::npos) return std::string(text);
-  std::string decoded;
-  for (size_t at = 0; at < text.size(); ++at) {
-    const int high = text[at] == '%' && at + 2 < text.size() ? hexValue(text[at + 1]) : -1;
-    const int low = high < 0 ? -1 : hexValue(text[at + 2]);
-    if (low < 0) {
-      decoded += text[at];
-      continue;
-    }
-    decoded += static_cast<char>(high * 16 + low);
-    at += 2;
-  }
+  std::string decoded = lk::percentDecoded(text);
   return text::isValidUTF8(decoded) ? decoded : std::string(text);
 }
 

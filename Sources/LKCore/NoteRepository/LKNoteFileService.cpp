@@ -221,11 +221,7 @@ std::string sanitiseFilename(std::string_view text) {
 }
 
 std::string uniqueFilename(const std::string& base, const fs::path& folder) {
-  std::string name = base + ".md";
-  for (int number = 2; nameIsTaken(folder / name); ++number) {
-    name = base + " " + std::to_string(number) + ".md";
-  }
-  return name;
+  return FreeNames(folder).next(base, ".md");
 }
 
 std::string normaliseIndentation(std::string_view text) {

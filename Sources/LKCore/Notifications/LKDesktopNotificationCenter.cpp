@@ -67,9 +67,16 @@ void LKDesktopNotificationCenter::fetchPending(Pending then) {
 }
 
 void LKDesktopNotificationCenter::add(const LKNotificationRequest& request) {
+  add(std::vector<LKNotificationRequest>{request});
+}
+
+void LKDesktopNotificationCenter::add(const std::vector<LKNotificationRequest>& requests) {
   const Instant now = clock_();
-  changeSharedObject(file_, now,
-                     [&](Json& file) { file[request.identifier] = requestJson(request, now); });
+  changeSharedObject(file_, now, [&](Json& file) {
+    for (const LKNotificationRequest& each : requests) {
+      file[each.identifier] = requestJson(each, now);
+    }
+  });
 }
 
 void LKDesktopNotificationCenter::removePending(const std::vector<std::string>& identifiers) {
@@ -85,7 +92,11 @@ void LKDesktopNotificationCenter::registerCategory(
 
 bool LKDesktopNotificationCenter::serve(std::chrono::milliseconds wait) {
   if (!connect()) return false;
-  for (const LKNotificationRequest& request : takeDue()) show(request);
+  std::vector<LKNotificationRequest> refused;
+  for (const LKNotificationRequest& request : takeDue()) {
+    if (!show(request)) refused.push_back(request);
+  }
+  if (!refused.empty()) add(refused);
   try {
     desktop_->process(wait);
   } catch (const Error& error) {
@@ -117,7 +128,7 @@ std::vector<LKNotificationRequest> LKDesktopNotificationCenter::takeDue() {
   return due;
 }
 
-void LKDesktopNotificationCenter::show(const LKNotificationRequest& request) {
+bool LKDesktopNotificationCenter::show(const LKNotificationRequest& request) {
   const LKNotificationContent& content = request.content;
   DesktopNotification notification;
   notification.summary =
@@ -128,9 +139,10 @@ void LKDesktopNotificationCenter::show(const LKNotificationRequest& request) {
   }
   try {
     shown_[desktop_->show(notification)] = request;
+    return true;
   } catch (const Error& error) {
     log::error("[LKNotifications] Failed to show: " + error.description());
-    add(request);
+    return false;
   }
 }
 

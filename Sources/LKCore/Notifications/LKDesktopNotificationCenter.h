@@ -49,7 +49,9 @@ class LKDesktopNotificationCenter final : public LKNotificationCenter {
  private:
   std::vector<LKNotificationRequest> takeDue();
   bool connect();
-  void show(const LKNotificationRequest& request);
+  void add(const std::vector<LKNotificationRequest>& requests);
+  // False when the service did not take it.
+  bool show(const LKNotificationRequest& request);
   void answer(uint32_t number, const std::string& actionIdentifier);
 
   std::filesystem::path file_;

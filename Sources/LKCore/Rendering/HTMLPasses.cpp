@@ -6,6 +6,7 @@
 
 #include "LKCore/Attachments/LKAttachmentTypes.h"
 #include "LKCore/Base/Pattern.h"
+#include "LKCore/Base/PercentDecoding.h"
 #include "LKCore/Base/Text.h"
 #include "LKCore/Rendering/HTMLText.h"
 #include "LKCore/Rendering/LKInlineImage.h"
@@ -80,7 +81,7 @@ std::optional<std::string> linkForImage(std::string_view tag, std::string_view s
                                         Attachments types) {
   if (isOutside(source)) return std::nullopt;
   const std::string plain = html::unescaped(source);
-  const std::string path = html::percentDecoded(std::string_view(plain).substr(0, plain.find('#')));
+  const std::string path = percentDecoded(std::string_view(plain).substr(0, plain.find('#')));
   const std::string_view extension = LKAttachmentTypes::pathExtension(path);
   const bool isKnown = LKAttachmentTypes::contains(LKAttachmentTypes::all, extension);
   if (LKAttachmentTypes::contains(LKAttachmentTypes::images, extension) ||

@@ -1,7 +1,6 @@
 #include "LKCore/Rendering/HTMLText.h"
 
 #include <array>
-#include <charconv>
 #include <utility>
 
 namespace lk::html {
@@ -48,24 +47,6 @@ std::string unescaped(std::string_view text) {
     }
     result.push_back(c);
     text.remove_prefix(length);
-  }
-  return result;
-}
-
-std::string percentDecoded(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    unsigned char byte = 0;
-    if (text[i] == '%' && i + 2 < text.size()) {
-      const char* const digits = text.data() + i + 1;
-      if (std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2) {
-        result.push_back(static_cast<char>(byte));
-        i += 2;
-        continue;
-      }
-    }
-    result.push_back(text[i]);
   }
   return result;
 }

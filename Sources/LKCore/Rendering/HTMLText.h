@@ -17,9 +17,6 @@ std::string escaped(std::string_view text);
 // The reverse, and "&#x27;" too; any other reference stays.
 std::string unescaped(std::string_view text);
 
-// "%20" as the byte it stands for; a "%" without two hexadecimal digits stays.
-std::string percentDecoded(std::string_view text);
-
 inline bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }

@@ -24,6 +24,7 @@ namespace {
 struct RewritePlan {
   std::vector<fs::path> files;       // notes that change
   std::vector<fs::path> plainFiles;  // would, if they were notes
+  std::vector<fs::path> otherFiles;  // nobody can tell
   KeptNotes unreadable;
 };
 
@@ -31,7 +32,10 @@ void planFile(RewritePlan& plan, const fs::path& file,
               const ProjectsRewrite::Transform& transform) {
   try {
     const std::string bytes = readFile(file);
-    if (!text::isValidUTF8(bytes)) return;
+    if (!text::isValidUTF8(bytes)) {
+      plan.otherFiles.push_back(file);
+      return;
+    }
     const auto document = parseDocumentIfValid(bytes);
     const std::string& body = document ? document->body : bytes;
     if (transform(body).text == body) return;
@@ -54,13 +58,14 @@ RewritePlan planOf(const fs::path& collection, const GlobalOptions& options,
   return plan;
 }
 
-void tellPlainFiles(const GlobalOptions& options, const std::vector<fs::path>& files) {
+void tellLeftFiles(const GlobalOptions& options, const std::vector<fs::path>& files,
+                   const std::string& reason) {
   if (files.empty()) return;
   const size_t more = files.size() - 1;
   printNote(options, "Note: " + files.front().string() +
                          (more > 0 ? " and " + countOf(more, "other file") + " stay as they are"
                                    : " stays as it is") +
-                         ": plain Markdown without a note's front matter.");
+                         ": " + reason + ".");
 }
 
 LKProjectTextRewrite::Counts rewriteNote(const fs::path& file,
@@ -82,7 +87,8 @@ LKProjectTextRewrite::Counts rewriteNote(const fs::path& file,
 RewrittenNotes ProjectsRewrite::run(const fs::path& collection, const GlobalOptions& options,
                                     const Transform& transform) {
   const RewritePlan plan = planOf(collection, options, transform);
-  tellPlainFiles(options, plan.plainFiles);
+  tellLeftFiles(options, plan.plainFiles, "no front matter of a note that can be read");
+  tellLeftFiles(options, plan.otherFiles, "no UTF-8 text");
   RewrittenNotes result;
   result.kept = plan.unreadable;
   Progress progress("Changing notes:", options.quiet);

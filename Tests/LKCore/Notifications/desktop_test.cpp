@@ -189,6 +189,13 @@ void showOverTheSessionBus() {
   EXPECT_EQ(shown,
             (std::vector<Words>{{"Task Due — Today", "a &lt; b &amp; c", "done", "Mark Done"}}));
   EXPECT_EQ(pendingIn(center), std::vector<LKNotificationRequest>{request("later", kFuture)});
+  // With the service gone, what is due waits for another.
+  center.add(request("second", kPast));
+  center.add(request("third", kPast));
+  center.serve(std::chrono::milliseconds(0));
+  EXPECT_EQ(pendingIn(center),
+            (std::vector<LKNotificationRequest>{request("second", kPast), request("third", kPast),
+                                                request("later", kFuture)}));
 }
 
 // Runs itself again inside a session of its own; passes at once where none can be started.
