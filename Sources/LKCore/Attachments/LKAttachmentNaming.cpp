@@ -38,7 +38,8 @@ std::string pastedImageName(std::string_view noteName, std::string_view ext,
   const std::string ending = "." + text::lowercased(ext);
   std::string name = base + ending;
   for (int number = 2; isTaken(name); ++number) {
-    name = base + "-" + std::to_string(number) + ending;
+    name = base + "-";
+    name += std::to_string(number) + ending;
   }
   return name;
 }

@@ -74,6 +74,12 @@ std::optional<std::string> stringMember(const Json& object, const char* key) {
   return value->get<std::string>();
 }
 
+std::string requiredString(const Json& object, const char* key) {
+  auto value = stringMember(object, key);
+  if (!value) throw JsonError(std::string("\"") + key + "\" is missing.");
+  return *std::move(value);
+}
+
 std::optional<bool> boolMember(const Json& object, const char* key) {
   const Json* value = member(object, key);
   if (value == nullptr) return std::nullopt;

@@ -38,6 +38,9 @@ std::optional<bool> boolMember(const Json& object, const char* key);
 std::optional<int64_t> integerMember(const Json& object, const char* key);
 std::optional<double> numberMember(const Json& object, const char* key);
 
+// A string that has to be there; JsonError, which names the key, where it is not.
+std::string requiredString(const Json& object, const char* key);
+
 // The number as documents and messages show it: a whole one without a fraction, 5 and not 5.0.
 Json numberJson(double value);
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -84,10 +85,10 @@ std::string_view trimEnd(std::string_view text, Test test) {
   return text.substr(0, end);
 }
 
-template <typename Integer>
-bool parseWhole(std::string_view text, Integer& value) {
+template <typename Number>
+bool parseWhole(std::string_view text, Number& value) {
   if (text.starts_with('+') && text.size() > 1 && text[1] != '-') text.remove_prefix(1);
-  Integer parsed = 0;
+  Number parsed = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
   if (error != std::errc() || end != text.data() + text.size()) return false;
   value = parsed;
@@ -320,6 +321,13 @@ bool parseInteger(std::string_view text, int& value) {
 
 bool parseInteger(std::string_view text, int64_t& value) {
   return parseWhole(text, value);
+}
+
+bool parseNumber(std::string_view text, double& value) {
+  double number = 0;
+  if (!parseWhole(text, number) || !std::isfinite(number)) return false;
+  value = number;
+  return true;
 }
 
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to) {

@@ -77,6 +77,10 @@ std::vector<std::string_view> splitLines(std::string_view text);
 bool parseInteger(std::string_view text, int& value);
 bool parseInteger(std::string_view text, int64_t& value);
 
+// A whole decimal number, with a sign and an exponent if need be; no infinity. False leaves `value`
+// alone.
+bool parseNumber(std::string_view text, double& value);
+
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to);
 
 // The bytes with every one that is not part of valid UTF-8 written as "\\xE9": for messages.

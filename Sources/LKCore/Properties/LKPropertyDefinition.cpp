@@ -9,20 +9,14 @@ namespace lk {
 
 namespace {
 
-std::string requiredDefinitionText(const Json& row, const char* key) {
-  auto text = stringMember(row, key);
-  if (!text) throw JsonError(std::string("\"") + key + "\" is missing.");
-  return *std::move(text);
-}
-
 UUID definitionID(const Json& row) {
-  const auto id = UUID::parse(requiredDefinitionText(row, "id"));
+  const auto id = UUID::parse(requiredString(row, "id"));
   if (!id) throw JsonError("\"id\" is not a UUID.");
   return *id;
 }
 
 LKPropertyType definitionType(const Json& row) {
-  const std::string name = requiredDefinitionText(row, "type");
+  const std::string name = requiredString(row, "type");
   const auto type = propertyTypeNamed(name);
   if (!type) throw JsonError("\"" + name + "\" is not a type of property.");
   return *type;
@@ -69,7 +63,7 @@ std::optional<Json> numberOrNothing(const std::optional<double>& number) {
 LKPropertyDefinition decodeDefinition(const Json& row) {
   if (!row.is_object()) throw JsonError("It is not an object.");
   return {.id = definitionID(row),
-          .name = requiredDefinitionText(row, "name"),
+          .name = requiredString(row, "name"),
           .type = definitionType(row),
           .options = definitionOptions(row),
           .createdDate = definitionDate(row),

@@ -1,8 +1,6 @@
 #include "LKCore/Queries/LKQueryExecutor.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <iterator>
 #include <utility>
 
@@ -230,14 +228,11 @@ constexpr std::pair<std::string_view, int64_t> kSizeUnits[] = {
     {"gb", 1'073'741'824}, {"g", 1'073'741'824}, {"mb", 1'048'576}, {"m", 1'048'576},
     {"kb", 1024},          {"k", 1024},          {"b", 1}};
 
-// A decimal number, blanks around it aside; 0 for anything else.
+// Blanks around it aside; 0 for anything else.
 double sizeNumber(std::string_view text) {
-  text = text::trimmedBlanks(text);
-  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   double number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  return error == std::errc() && stop == end && std::isfinite(number) ? number : 0;
+  text::parseNumber(text::trimmedBlanks(text), number);
+  return number;
 }
 
 }  // namespace

@@ -8,12 +8,6 @@ JsonError notTemplate(const std::string& key, const std::string& wanted) {
   return JsonError("\"" + key + "\" is not " + wanted + ".");
 }
 
-std::string requiredString(const Json& object, const char* key) {
-  auto value = stringMember(object, key);
-  if (!value) throw JsonError(std::string("\"") + key + "\" is missing.");
-  return *std::move(value);
-}
-
 UUID readUUID(const std::string& text) {
   const auto id = UUID::parse(text);
   if (!id) throw notTemplate("id", "a UUID");

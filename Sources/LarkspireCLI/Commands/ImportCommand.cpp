@@ -41,10 +41,6 @@ void printUnreadable(const fs::path& name) {
   printError("skip (unreadable): " + shown(name));
 }
 
-std::string countedNotes(size_t count) {
-  return std::to_string(count) + (count == 1 ? " note." : " notes.");
-}
-
 // --- What there is to import ---------------------------------------------------------------------
 
 struct SourceFiles {
@@ -245,7 +241,7 @@ void ImportCommand::list(const std::vector<fs::path>& files) const {
       printLine(line);
     }
   }
-  printMessage(options, "Would import " + countedNotes(files.size()));
+  printMessage(options, "Would import " + countOf(files.size(), "note") + ".");
 }
 
 void ImportCommand::importFiles(const fs::path& source, const fs::path& collection) {
@@ -275,7 +271,7 @@ void ImportCommand::importFiles(const fs::path& source, const fs::path& collecti
       },
       kCannotImport);
   printProblems(result.errors);
-  printMessage(options, "Imported " + countedNotes(created.count + result.importedCount));
+  printMessage(options, "Imported " + countOf(created.count + result.importedCount, "note") + ".");
   created.refuse();
 }
 
@@ -319,7 +315,7 @@ void ImportCommand::importVault(const fs::path& source, const fs::path& collecti
                            (unshown == 1 ? " file that no note embeds is left behind."
                                          : " files that no note embeds are left behind."));
   }
-  printMessage(options, "Imported " + countedNotes(result.importedCount));
+  printMessage(options, "Imported " + countOf(result.importedCount, "note") + ".");
 }
 
 }  // namespace lk

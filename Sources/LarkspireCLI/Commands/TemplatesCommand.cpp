@@ -23,10 +23,6 @@ Json templateJson(const LKTemplate& each) {
   return object;
 }
 
-std::string countOfVariables(size_t count) {
-  return std::to_string(count) + (count == 1 ? " variable" : " variables");
-}
-
 }  // namespace
 
 void TemplatesCommand::declare(ArgumentList& /*arguments*/) {}
@@ -50,7 +46,7 @@ void TemplatesCommand::run() {
   }
   TextColumns rows;
   for (const LKTemplate& each : templates) {
-    rows.add({{each.name, TextStyle::bold}, {countOfVariables(each.parameters.size())}});
+    rows.add({{each.name, TextStyle::bold}, {countOf(each.parameters.size(), "variable")}});
   }
   printLine(rows.text(Terminal::ofStandardOutput()));
 }

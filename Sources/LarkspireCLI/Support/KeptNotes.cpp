@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "LarkspireCLI/Support/CLIError.h"
+#include "LarkspireCLI/Support/Output.h"
 
 namespace lk {
 
@@ -21,10 +22,6 @@ void KeptNotes::refuse(const std::string& what, const std::string& advice) const
     report += "\n  and " + std::to_string(failures_.size() - kNamed) + " more";
   }
   throw CLIError::writeFailed(report + "\n  " + advice);
-}
-
-std::string countOf(size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 }  // namespace lk

@@ -7,7 +7,6 @@
 //     try { change(url); } catch (const Error& error) { kept.add(url, error); }
 //     kept.refuse("#work", "Re-run with --merge to rename the rest.");
 
-#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -28,8 +27,5 @@ class KeptNotes {
  private:
   std::vector<std::string> failures_;  // "/notes/Plan.md: No space left on device"
 };
-
-// "1 note", "2 notes".
-std::string countOf(size_t count, const std::string& noun);
 
 }  // namespace lk

@@ -47,6 +47,10 @@ void printMessage(const GlobalOptions& options, const std::string& message) {
   printLine(options.json ? printJson(Json{{"message", message}}) : message);
 }
 
+std::string countOf(size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 bool outputIsClosed() {
   return firstFailure != 0;
 }

@@ -4,6 +4,7 @@
 // output is buffered; the entry point writes out the rest at the end and makes a failed write
 // the run's failure, so a command never checks.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -22,6 +23,9 @@ void printNote(const GlobalOptions& options, std::string_view text);
 
 // How a changing command reports: the message as a line, or as {"message": ...} with --json.
 void printMessage(const GlobalOptions& options, const std::string& message);
+
+// "1 note", "2 notes".
+std::string countOf(size_t count, const std::string& noun);
 
 // True when standard output takes no more, as after `| head`: what is still to come may stay away.
 bool outputIsClosed();

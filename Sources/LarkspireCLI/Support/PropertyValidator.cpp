@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
-#include <system_error>
 
 #include "LKCore/Base/Json.h"
 #include "LKCore/Base/Text.h"
@@ -17,16 +14,6 @@ namespace {
 
 void refuseUnless(bool isAllowed, const std::string& value, const std::string& complaint) {
   if (!isAllowed) throw CLIError::propertyValidation("Value \"" + value + "\" " + complaint);
-}
-
-// A decimal number, with a sign and an exponent if need be; no infinity.
-std::optional<double> parseNumber(std::string_view text) {
-  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  double number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  const bool isWhole = error == std::errc() && stop == end;
-  return isWhole && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 // True when the text has an ASCII digit for each "d" of the shape and all else as it stands there.
@@ -44,14 +31,14 @@ void checkLength(const std::string& value, const LKPropertyDefinition& definitio
 }
 
 void checkNumber(const std::string& value, const LKPropertyDefinition& definition) {
-  const std::optional<double> number = parseNumber(value);
-  refuseUnless(number.has_value(), value, "is not a valid number.");
+  double number = 0;
+  refuseUnless(text::parseNumber(value, number), value, "is not a valid number.");
   if (definition.minValue) {
-    refuseUnless(*number >= *definition.minValue, value,
+    refuseUnless(number >= *definition.minValue, value,
                  "is below minimum " + numberJson(*definition.minValue).dump());
   }
   if (definition.maxValue) {
-    refuseUnless(*number <= *definition.maxValue, value,
+    refuseUnless(number <= *definition.maxValue, value,
                  "exceeds maximum " + numberJson(*definition.maxValue).dump());
   }
 }

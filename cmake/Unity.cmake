@@ -1,0 +1,18 @@
+# Which sources a unity build compiles together: those of one folder, up to CMAKE_UNITY_BUILD_BATCH_SIZE
+# at a time, so that a file more changes the units of its own folder alone.
+function(lk_unity_by_folder target)
+  if(NOT CMAKE_UNITY_BUILD)
+    return()
+  endif()
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    get_filename_component(folder ${source} DIRECTORY)
+    file(RELATIVE_PATH folder ${CMAKE_CURRENT_SOURCE_DIR} ${folder})
+    string(MAKE_C_IDENTIFIER ${folder} group)
+    math(EXPR place "${${group}_count} + 0")
+    math(EXPR ${group}_count "${place} + 1")
+    math(EXPR batch "${place} / ${CMAKE_UNITY_BUILD_BATCH_SIZE}")
+    set_property(SOURCE ${source} PROPERTY UNITY_GROUP ${group}_${batch})
+  endforeach()
+  set_property(TARGET ${target} PROPERTY UNITY_BUILD_MODE GROUP)
+endfunction()
