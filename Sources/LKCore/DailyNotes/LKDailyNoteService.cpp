@@ -121,7 +121,7 @@ fs::path createIfNeeded(Day day, const fs::path& collection, const std::string& 
 fs::path appendText(const std::string& text, Day day, const fs::path& collection,
                     const std::string& seedBody, bool separatedByBlankLine) {
   if (!text::isValidUTF8(text)) throw LKDailyNoteError::encoding();
-  const fs::path url = createIfNeeded(day, collection, seedBody);
+  fs::path url = createIfNeeded(day, collection, seedBody);
   const std::string added = appendableText(text);
   updateBody(url,
              [&](const std::string& body) { return appended(body, added, separatedByBlankLine); });

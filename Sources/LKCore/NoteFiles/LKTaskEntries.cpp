@@ -70,6 +70,21 @@ std::string withoutWords(std::string_view line, const std::optional<Pattern>& wo
   return result;
 }
 
+// Whether `context:` stands anywhere in the line, in any case: no other word makes the older hash of
+// a line differ from today's.
+bool mayHoldContext(std::string_view line) {
+  static constexpr std::string_view kContext = "context";
+  for (size_t colon = line.find(':'); colon != std::string_view::npos;
+       colon = line.find(':', colon + 1)) {
+    if (colon < kContext.size()) continue;
+    const std::string_view word = line.substr(colon - kContext.size(), kContext.size());
+    const bool isContext = std::ranges::equal(
+        word, kContext, [](char c, char wanted) { return static_cast<char>(c | 0x20) == wanted; });
+    if (isContext) return true;
+  }
+  return false;
+}
+
 struct Hashes {
   std::string current;
   std::optional<std::string> legacy;  // when it differs
@@ -98,7 +113,7 @@ class TaskWords {
   Hashes hashes(std::string_view line) const {
     const std::string current = canonicalText(line, true);
     Hashes result{sha1Hex(current, kHashLength / 2), std::nullopt};
-    if (line.find(':') == std::string_view::npos) return result;
+    if (!mayHoldContext(line)) return result;
     const std::string legacy = canonicalText(line, false);
     if (legacy != current) {
       std::string legacyHash = sha1Hex(legacy, kHashLength / 2);
