@@ -94,7 +94,8 @@ std::map<std::string, std::string> templateProperties(const FilledTemplate& fill
     if (key.find('=') != std::string::npos) {
       throw CLIError::propertyValidation("Property \"" + key + "\" of the template holds a \"=\".");
     }
-    arguments.push_back(key + "=" + value);
+    arguments.push_back(key);
+    arguments.back().append("=").append(value);
   }
   return uncheckedProperties(arguments);
 }
