@@ -6,12 +6,11 @@ namespace lk {
 
 namespace {
 
-using Words = std::vector<std::string_view>;
-
 // The new entry moves when the next one is added, so all of it is said at once.
 template <typename Field>
 void addOption(ArgumentList& arguments, std::string_view name, Field& field, std::string_view value,
-               std::string_view help, Completion completion, Words choices = {}) {
+               std::string_view help, Completion completion,
+               std::vector<std::string_view> choices = {}) {
   Argument& argument = arguments.option(name, field, help);
   if (!value.empty()) argument.valueName = value;
   argument.completion = completion;
@@ -20,7 +19,7 @@ void addOption(ArgumentList& arguments, std::string_view name, Field& field, std
 
 template <typename Field>
 void addChoice(ArgumentList& arguments, std::string_view name, Field& field, std::string_view value,
-               std::string_view help, Words choices) {
+               std::string_view help, std::vector<std::string_view> choices) {
   addOption(arguments, name, field, value, help, Completion::none, std::move(choices));
 }
 

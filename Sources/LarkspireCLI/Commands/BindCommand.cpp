@@ -16,6 +16,7 @@
 #include "LarkspireCLI/Support/BindNotes.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/KeptNotes.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/Progress.h"
 #include "LarkspireCLI/Support/TagArgument.h"
@@ -45,10 +46,6 @@ BindSource bindSource(const BindCommand& command) {
       command.book.has_value()};
   if (text::trimmed(source.name).empty()) throw CLIError::general("No source specified.");
   return source;
-}
-
-std::string countWithNoun(size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 void tellUnknownTheme(const GlobalOptions& options, const std::string& theme) {
@@ -110,7 +107,7 @@ BindOutput resolveOutput(const BindCommand& command, const BindSource& source,
 void tellStart(const GlobalOptions& options, const BindSource& source, size_t noteCount,
                BindCommand::Format format) {
   if (options.json) return;
-  printNote(options, "Binding " + countWithNoun(noteCount, "note") + " from " +
+  printNote(options, "Binding " + countOf(noteCount, "note") + " from " +
                          (source.isBook ? "book \"" + source.name + "\"" : source.name) + " as " +
                          std::string(rawValue(format)) + ".");
 }

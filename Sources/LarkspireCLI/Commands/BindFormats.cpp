@@ -65,7 +65,6 @@ std::string madeBook(BindCommand::Format format, const BindJob& job, const Globa
                                    coverSource(job.notes));
   }
   if (format == BindCommand::Format::pdf) {
-    progress.stage("Laying out pages");
     return LKBindPDFRenderer::renderPDF(html, job.spec, job.subject, job.collectionRoot,
                                         [&](std::string_view words) { progress.stage(words); });
   }

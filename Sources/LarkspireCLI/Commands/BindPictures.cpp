@@ -13,6 +13,7 @@
 #include "LKCore/Pictures/CollectionPicture.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Rendering/LKInlineImage.h"
+#include "LarkspireCLI/Support/KeptNotes.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/Terminal.h"
 
@@ -44,7 +45,7 @@ bool isOfCollection(std::string_view source) {
          !lowered.starts_with("https://");
 }
 
-bool isThere(const std::string& source, const fs::path& collectionRoot) {
+bool pictureIsThere(const std::string& source, const fs::path& collectionRoot) {
   const auto file = pictureFile(source, collectionRoot);
   if (!file) return false;
   try {
@@ -53,10 +54,6 @@ bool isThere(const std::string& source, const fs::path& collectionRoot) {
   } catch (const FileError&) {
     return false;
   }
-}
-
-std::string countedDiagrams(size_t count) {
-  return std::to_string(count) + (count == 1 ? " diagram" : " diagrams");
 }
 
 }  // namespace
@@ -99,7 +96,7 @@ LKBindDiagrams diagramsOf(const std::vector<LKBindNoteInput>& notes, const Globa
   const std::vector<std::string> sources = extractMermaidSources(notes);
   if (sources.empty()) return {};
   if (!options.json) {
-    printNote(options, "Rendering mermaid (" + countedDiagrams(sources.size()) + ").");
+    printNote(options, "Rendering mermaid (" + countOf(sources.size(), "diagram") + ").");
   }
   progress.stage("Drawing diagrams");
   const std::set<std::string> distinct(sources.begin(), sources.end());
@@ -109,9 +106,10 @@ LKBindDiagrams diagramsOf(const std::vector<LKBindNoteInput>& notes, const Globa
   progress.clear();
   const size_t missing = distinct.size() - drawn.size();
   if (drawn.empty()) {
-    printNote(options, "Warning: A placeholder stands for each diagram. " + reason);
+    printNote(options, "Warning: A placeholder stands for each diagram." +
+                           (reason.empty() ? "" : " " + reason));
   } else if (missing > 0) {
-    printNote(options, "Warning: A placeholder stands for " + countedDiagrams(missing) +
+    printNote(options, "Warning: A placeholder stands for " + countOf(missing, "diagram") +
                            " that could not be drawn.");
   }
   return drawn;
@@ -123,7 +121,7 @@ void tellMissingPictures(const std::vector<LKBindNoteInput>& notes, const fs::pa
   for (const LKBindNoteInput& note : notes) {
     if (note.role == LKBindNoteRole::skip) continue;
     visitPictures(note.body, [&](const std::string& source) {
-      if (!isOfCollection(source) || isThere(source, collectionRoot)) return;
+      if (!isOfCollection(source) || pictureIsThere(source, collectionRoot)) return;
       printNote(options, "Warning: The picture '" + withoutControls(source) + "' in '" +
                              note.noteTitle + "' is not there.");
     });
