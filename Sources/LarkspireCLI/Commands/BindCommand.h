@@ -33,6 +33,10 @@ class BindCommand final : public Command {
   std::string paragraphs = "inherit";
   std::optional<std::string> theme;
   std::optional<std::string> tasks;
+
+ private:
+  void declareSourceAndOutput(ArgumentList& arguments);
+  void declareStyle(ArgumentList& arguments);
 };
 
 }  // namespace lk

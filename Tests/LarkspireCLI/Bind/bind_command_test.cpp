@@ -169,12 +169,6 @@ TEST_F(Bind, RefusesWhatItCannotDo) {
        "Tag 'lost' exists but every note carrying it is trashed or archived. Restore one before "
        "binding."},
       {novel + "--format|Word", "Unknown format 'Word'. Use pdf, docx, epub, or html."},
-      {novel + "--output|book.DOCX",
-       "This version of lk makes HTML only, not DOCX. Use --format html, or an --output that ends "
-       "in .html."},
-      {novel + "--format|pdf",
-       "This version of lk makes HTML only, not PDF. Use --format html, or an --output that ends "
-       "in .html."},
       {novel + "--spec-file|bad.json", "bad.json: Line 2: \"theme\" is not a string."},
       {novel + "--spec-file|none.json", "none.json: No such file or directory"},
       {novel + "--spec-file|later.json",
@@ -185,13 +179,21 @@ TEST_F(Bind, RefusesWhatItCannotDo) {
                                           " is a note of this collection. Choose another "
                                           "--output."},
       {novel + "--output|none/book.html",
-       "Could not write " + written("none/book.html").string() + ": No such file or directory"},
+       "The output folder " + written("none").string() + " does not exist."},
+      {novel + "--output|later.json/book.docx",
+       "The output folder " + written("later.json").string() + " is not a folder."},
       {novel + "--output|Notes",
        "Could not write " + written("Notes").string() + ": Is a directory"},
   };
   for (const auto& [line, message] : cases) expectRefusal(line, message);
   EXPECT_NE(test::readWhole(file("A")).find("onlyzz"), std::string::npos);
   EXPECT_FALSE(fs::exists(written("novel.html")));
+  for (const std::string date : {"yesterday", "-1", "253402300800", "17 March"}) {
+    const ProcessResult undated = lk(novel + "--quiet", {{"SOURCE_DATE_EPOCH", date}});
+    EXPECT_TRUE(undated.err.starts_with("Error: SOURCE_DATE_EPOCH is '" + date + "'."))
+        << undated.err;
+    EXPECT_EQ(undated.status, 1);
+  }
 }
 
 TEST_F(Bind, LeavesOutWhatCannotBeRead) {
@@ -207,18 +209,6 @@ TEST_F(Bind, LeavesOutWhatCannotBeRead) {
                 "Tag 'novel' matches 2 note(s) but none could be loaded from disk. The "
                 "collection's source files may be out of sync with the SwiftData cache — open "
                 "Larkspire once to refresh.");
-}
-
-TEST_F(Bind, SaysThatItDrawsNoDiagrams) {
-  note("A",
-       "# A\n\n```mermaid\ngraph TD\n```\n\n````mermaid\n```\n````\n\n```text\nx\n``` "
-       "#novel\n```\n#novel",
-       0);
-  const ProcessResult bound = lk("bind|--tag|novel");
-  EXPECT_NE(bound.err.find("Rendering mermaid (2 diagrams) is not possible in this version: a "
-                           "placeholder stands for each.\n"),
-            std::string::npos)
-      << bound.err;
 }
 
 }  // namespace
