@@ -16,7 +16,6 @@
 #include "LarkspireCLI/Support/BindNotes.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
-#include "LarkspireCLI/Support/KeptNotes.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/Progress.h"
 #include "LarkspireCLI/Support/TagArgument.h"

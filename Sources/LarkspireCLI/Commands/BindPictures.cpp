@@ -13,7 +13,6 @@
 #include "LKCore/Pictures/CollectionPicture.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Rendering/LKInlineImage.h"
-#include "LarkspireCLI/Support/KeptNotes.h"
 #include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/Terminal.h"
 
@@ -83,7 +82,7 @@ std::vector<std::string> extractMermaidSources(const std::vector<LKBindNoteInput
         content.append(line).append("\n");
       } else {
         if (!content.empty()) content.pop_back();
-        if (fence->language == "mermaid") sources.push_back(std::move(content));
+        if (fence->language == "mermaid") sources.push_back(std::exchange(content, {}));
         fence.reset();
       }
     }
