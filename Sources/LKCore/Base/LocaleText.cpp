@@ -5,6 +5,7 @@
 #include <unicode/uloc.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace lk {
@@ -42,6 +43,17 @@ std::string spelledOut(int64_t number, std::string_view locale) {
 
 std::string userLocale() {
   return icu::Locale::getDefault().getName();
+}
+
+std::string languageTag(std::string_view locale) {
+  std::string tag(locale.substr(0, locale.find_first_of(".@")));
+  std::ranges::replace(tag, '_', '-');
+  const bool isLanguage = tag.size() >= 2 && !tag.starts_with("C") && !tag.starts_with("POSIX") &&
+                          !tag.ends_with("-POSIX");
+  const bool isPlain = std::ranges::all_of(tag, [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+  });
+  return isLanguage && isPlain ? tag : std::string();
 }
 
 }  // namespace lk

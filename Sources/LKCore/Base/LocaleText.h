@@ -18,4 +18,8 @@ std::string spelledOut(int64_t number, std::string_view locale);
 // The name of the user's locale: "de_DE", "en_US_POSIX" where none is set.
 std::string userLocale();
 
+// "de_DE" as "de-DE", by which documents say their language and programs hyphenate; empty when the
+// locale names no language.
+std::string languageTag(std::string_view locale);
+
 }  // namespace lk

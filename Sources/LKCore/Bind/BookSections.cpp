@@ -92,12 +92,16 @@ bool bodyContainsRolePrefixH1(std::string_view body) {
   return contains;
 }
 
+std::string headingWords(std::string_view title) {
+  return withoutWikiLinks(text::trimmed(title));
+}
+
 std::string headingHTML(std::string_view title) {
   // Where a pass over the manuscript's lines would begin to read the dialect: that character is
   // written by its number.
   static const Pattern dialect(R"(\[(?=[\^\[])|=(?==)|:(?=:)|(?<![^\s>])(?:#(?=[A-Za-z])|@(?=\d))|)"
                                R"((?<=\sdue|\sdone|\spriority|\sid):)");
-  const std::string html = html::escaped(withoutWikiLinks(text::trimmed(title)));
+  const std::string html = html::escaped(headingWords(title));
   const std::string broken = text::replacingAll(html, "\n", "<br>");
   std::string result;
   size_t copied = 0;

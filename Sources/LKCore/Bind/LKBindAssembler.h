@@ -63,6 +63,9 @@ BookBody parseBookBody(std::string_view body);
 // Whether a level-1 heading of the body has a role keyword, which makes the note a book.
 bool bodyContainsRolePrefixH1(std::string_view body);
 
+// A title as plain text: without the brackets of links, without blanks around it.
+std::string headingWords(std::string_view title);
+
 // A title as HTML text on one line, each line feed as "<br>". What the dialect of notes would read
 // in it (links, tags, highlights, footnotes) is plain text.
 std::string headingHTML(std::string_view title);

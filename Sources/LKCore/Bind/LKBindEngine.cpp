@@ -1,6 +1,5 @@
 #include "LKCore/Bind/LKBindEngine.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "LKCore/Base/LocaleText.h"
@@ -16,19 +15,6 @@
 namespace lk::LKBindEngine {
 
 namespace {
-
-// "de_DE" as "de-DE", by which browsers and print engines hyphenate; empty when the locale names no
-// language.
-std::string languageTag(const std::string& locale) {
-  std::string tag = locale.substr(0, locale.find_first_of(".@"));
-  std::ranges::replace(tag, '_', '-');
-  const bool isLanguage = tag.size() >= 2 && !tag.starts_with("C") && !tag.starts_with("POSIX") &&
-                          !tag.ends_with("-POSIX");
-  const bool isPlain = std::ranges::all_of(tag, [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-  });
-  return isLanguage && isPlain ? tag : std::string();
-}
 
 std::string bookBody(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& spec,
                      const LKBindSubject& subject, const LKBindDiagrams& mermaidRenders) {

@@ -256,6 +256,20 @@ std::string_view className(TokenKind kind) {
   return "hl-number";
 }
 
+std::string_view lightColour(TokenKind kind) {
+  switch (kind) {
+    case TokenKind::keyword:
+      return "8a1c7c";
+    case TokenKind::string:
+      return "9a2a1c";
+    case TokenKind::comment:
+      return "5d6b60";
+    case TokenKind::number:
+      break;
+  }
+  return "1c4fa0";
+}
+
 std::string_view lightSheet() {
   return R"(.hl-keyword { color: #8a1c7c; font-weight: bold; }
 .hl-string { color: #9a2a1c; }

@@ -32,6 +32,9 @@ std::string applyToHTML(std::string_view html);
 // "hl-keyword"
 std::string_view className(TokenKind kind);
 
+// "8a1c7c", the colour of that sheet.
+std::string_view lightColour(TokenKind kind);
+
 // The colours on light paper, dark enough to be read in grey as well.
 std::string_view lightSheet();
 

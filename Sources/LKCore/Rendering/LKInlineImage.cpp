@@ -64,29 +64,6 @@ bool takeFragment(std::string_view fragment, Parts& parts) {
   return true;
 }
 
-// From a run of backticks to the next run of as many.
-std::vector<TextRange> codeSpans(std::string_view text) {
-  std::vector<TextRange> runs;
-  for (size_t start = text.find('`'); start != std::string_view::npos;) {
-    const size_t end = std::min(text.find_first_not_of('`', start), text.size());
-    runs.push_back({start, end});
-    start = text.find('`', end);
-  }
-  std::vector<size_t> partner(runs.size());  // the next run of as many, 0 for none
-  std::map<size_t, size_t> nextOfLength;
-  for (size_t i = runs.size(); i-- > 0;) {
-    size_t& next = nextOfLength[runs[i].length()];
-    partner[i] = std::exchange(next, i);
-  }
-  std::vector<TextRange> spans;
-  for (size_t i = 0; i < runs.size(); ++i) {
-    if (partner[i] == 0) continue;
-    spans.push_back({runs[i].start, runs[partner[i]].end});
-    i = partner[i];
-  }
-  return spans;
-}
-
 // "[label](target)" at a bracket.
 struct BracketedReference {
   std::string_view label;
@@ -142,6 +119,28 @@ std::optional<LKInlineImage> documentOf(const BracketedReference& source) {
 }
 
 }  // namespace
+
+std::vector<TextRange> codeSpans(std::string_view text) {
+  std::vector<TextRange> runs;
+  for (size_t start = text.find('`'); start != std::string_view::npos;) {
+    const size_t end = std::min(text.find_first_not_of('`', start), text.size());
+    runs.push_back({start, end});
+    start = text.find('`', end);
+  }
+  std::vector<size_t> partner(runs.size());  // the next run of as many, 0 for none
+  std::map<size_t, size_t> nextOfLength;
+  for (size_t i = runs.size(); i-- > 0;) {
+    size_t& next = nextOfLength[runs[i].length()];
+    partner[i] = std::exchange(next, i);
+  }
+  std::vector<TextRange> spans;
+  for (size_t i = 0; i < runs.size(); ++i) {
+    if (partner[i] == 0) continue;
+    spans.push_back({runs[i].start, runs[partner[i]].end});
+    i = partner[i];
+  }
+  return spans;
+}
 
 std::vector<Match> parseAll(std::string_view paragraphText) {
   std::vector<Match> matches;

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "LKCore/Base/TextRange.h"
 #include "LKCore/Base/UTF16Text.h"
 
 namespace lk {
@@ -57,6 +58,10 @@ struct SizedReference {
 
 // All pictures and links to documents outside of code, in the order of the text. Time is linear.
 std::vector<Match> parseAll(std::string_view paragraphText);
+
+// The stretches of code in a text, in UTF-8 bytes: from a run of backticks to the next run of as
+// many.
+std::vector<TextRange> codeSpans(std::string_view text);
 
 // The picture of a paragraph that is nothing else; white space around it does not count.
 std::optional<LKInlineImage> parse(std::string_view paragraphText);

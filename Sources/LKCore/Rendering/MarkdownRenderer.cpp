@@ -1,39 +1,13 @@
 #include "LKCore/Rendering/MarkdownRenderer.h"
 
-#include <cmark-gfm-core-extensions.h>
 #include <cmark-gfm-extension_api.h>
-#include <cmark-gfm.h>
 
-#include <memory>
-
+#include "LKCore/Rendering/CmarkParser.h"
 #include "LKCore/Rendering/SourcePasses.h"
 
 namespace lk::LKMarkdownToHTML {
 
 namespace {
-
-struct CmarkDeleter {
-  void operator()(cmark_parser* parser) const { cmark_parser_free(parser); }
-  void operator()(cmark_node* node) const { cmark_node_free(node); }
-  void operator()(cmark_iter* nodes) const { cmark_iter_free(nodes); }
-  void operator()(char* text) const { cmark_get_default_mem_allocator()->free(text); }
-};
-
-template <typename Object>
-using CmarkOwned = std::unique_ptr<Object, CmarkDeleter>;
-
-void attachExtensions(cmark_parser* parser) {
-  static const bool areRegistered = [] {
-    cmark_gfm_core_extensions_ensure_registered();
-    return true;
-  }();
-  static_cast<void>(areRegistered);
-  for (const char* name : {"table", "strikethrough", "tasklist", "autolink"}) {
-    if (cmark_syntax_extension* extension = cmark_find_syntax_extension(name)) {
-      cmark_parser_attach_syntax_extension(parser, extension);
-    }
-  }
-}
 
 void restorePageTagsInCode(cmark_node* document) {
   const CmarkOwned<cmark_iter> nodes(cmark_iter_new(document));
@@ -52,9 +26,8 @@ void restorePageTagsInCode(cmark_node* document) {
 
 std::string renderMarkdown(std::string_view markdown, const RenderMarkdownOptions& options) {
   const int flags = CMARK_OPT_UNSAFE | (options.hardBreaks ? CMARK_OPT_HARDBREAKS : 0);
-  const CmarkOwned<cmark_parser> parser(cmark_parser_new(flags));
+  const CmarkOwned<cmark_parser> parser = cmarkParser(flags);
   if (!parser) return "<p>Error: could not create cmark parser</p>";
-  attachExtensions(parser.get());
   cmark_parser_feed(parser.get(), markdown.data(), markdown.size());
   const CmarkOwned<cmark_node> document(cmark_parser_finish(parser.get()));
   if (!document) return "<p>Error: cmark parser finish failed</p>";

@@ -4,39 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "LKCore/Base/Text.h"
-#include "LKCore/Base/Words.h"
 #include "LKCore/Bind/LKBindEngine.h"
-#include "LKCore/Bind/LKBindFilter.h"
-#include "LKCore/Bind/LKBindTokenResolver.h"
+#include "LKCore/Bind/TitlePageTexts.h"
 
 namespace lk {
 
 namespace {
-
-int64_t wordsOfBook(const std::vector<LKBindNoteInput>& notes, const LKBindFilters& filters) {
-  size_t words = 0;
-  for (const LKBindNoteInput& note : notes) {
-    if (note.role == LKBindNoteRole::skip) continue;
-    words += wordCount(LKBindFilter::apply(note.body, filters));
-  }
-  return static_cast<int64_t>(words);
-}
-
-// What is no token stays between its braces.
-std::string titlePageText(const std::string& text, const LKBindTokenContext& context) {
-  std::string result;
-  LKBindTokenResolver::walk(
-      text, [&](std::string_view literal) { result.append(literal); },
-      [&](std::string_view name) {
-        if (const auto value = LKBindTokenResolver::value(name, context)) {
-          result.append(*value);
-        } else if (!LKBindTokenResolver::isToken(name)) {
-          result.append("{").append(name).append("}");
-        }
-      });
-  return std::string(text::trimmed(result));
-}
 
 // The text for HTML that stands in Markdown: no sign of it means anything to either, nor to the
 // notes' own dialect.
@@ -69,16 +42,13 @@ std::optional<LKBindNoteInput> titlePageOf(const LKBindSpec& spec, const LKBindS
   const bool isThere =
       std::ranges::count(notes, LKBindNoteRole::titlePage, &LKBindNoteInput::role) > 0;
   if (!page.include || isThere) return std::nullopt;
-  LKBindTokenContext context = subject.tokens();
-  if ((page.title + page.subtitle + page.author).find("{wordcount}") != std::string::npos) {
-    context.wordcount = wordsOfBook(notes, spec.filters);
-  }
+  const TitlePageTexts texts = titlePageTexts(notes, spec, subject);
   LKBindNoteInput note;
   note.noteTitle = LKBindEngine::bookTitle(spec, subject);
   note.role = LKBindNoteRole::titlePage;
-  note.body = titlePageLine("h1", "bind-title", titlePageText(page.title, context)) +
-              titlePageLine("p", "bind-subtitle", titlePageText(page.subtitle, context)) +
-              titlePageLine("p", "bind-author", titlePageText(page.author, context));
+  note.body = titlePageLine("h1", "bind-title", texts.title) +
+              titlePageLine("p", "bind-subtitle", texts.subtitle) +
+              titlePageLine("p", "bind-author", texts.author);
   if (note.body.empty()) return std::nullopt;
   return note;
 }

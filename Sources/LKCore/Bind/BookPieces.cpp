@@ -1,0 +1,191 @@
+#include "LKCore/Bind/BookPieces.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "LKCore/Base/Text.h"
+#include "LKCore/Bind/CodeFence.h"
+#include "LKCore/Bind/FootnoteLabels.h"
+#include "LKCore/Bind/LKBindAssembler.h"
+#include "LKCore/Bind/LKBindFilter.h"
+#include "LKCore/Bind/LKBindTokenResolver.h"
+
+namespace lk {
+
+namespace {
+
+// --- Notes by their place ------------------------------------------------------------------------
+
+struct FilteredNote {
+  std::string title;
+  std::string body;
+  LKBindNoteRole role = LKBindNoteRole::chapter;
+};
+
+struct NotesByPlace {
+  std::vector<FilteredNote> titlePages;
+  std::vector<FilteredNote> frontMatter;
+  std::vector<FilteredNote> main;
+  std::vector<FilteredNote> endMatter;
+
+  std::vector<FilteredNote>& of(LKBindNoteRole role) {
+    if (role == LKBindNoteRole::titlePage) return titlePages;
+    if (role == LKBindNoteRole::frontMatter) return frontMatter;
+    return role == LKBindNoteRole::endMatter ? endMatter : main;
+  }
+};
+
+// The body so that it ends with its note: an open fence is closed, and a comment that never ends,
+// which would hide all that follows, shows.
+std::string sealed(std::string_view body) {
+  const size_t lastEnd = body.rfind("-->");
+  std::string result;
+  result.reserve(body.size() + 8);
+  CodeFenceWalk fences;
+  size_t offset = 0;
+  for (const std::string_view line : text::split(body, '\n')) {
+    const bool isOutside = fences.take(line) == CodeFenceWalk::Line::outside;
+    const size_t mark = std::min(line.find_first_not_of(' '), line.size());
+    const bool mayEnd = lastEnd != std::string_view::npos && offset + mark < lastEnd;
+    const bool neverEnds = isOutside && !mayEnd && line.substr(mark).starts_with("<!--");
+    result.append(line.substr(0, mark)).append(neverEnds ? "&lt;" : "");
+    result.append(line.substr(mark + (neverEnds ? 1 : 0))).push_back('\n');
+    offset += line.size() + 1;
+  }
+  result.pop_back();  // the last line's end was not there
+  const auto closing = fences.closingLine();
+  if (!closing) return result;
+  if (!result.ends_with('\n')) result.push_back('\n');
+  return result.append(*closing).append("\n");
+}
+
+NotesByPlace sortedNotes(const std::vector<LKBindNoteInput>& notes, const LKBindFilters& filters) {
+  NotesByPlace places;
+  for (const LKBindNoteInput& note : notes) {
+    if (note.role == LKBindNoteRole::skip) continue;
+    FilteredNote filtered{note.noteTitle, sealed(LKBindFilter::apply(note.body, filters)),
+                          note.role};
+    const bool isChapter = note.role == LKBindNoteRole::chapter;
+    if (isChapter && LKBindAssembler::bodyContainsRolePrefixH1(filtered.body))
+      filtered.role = LKBindNoteRole::book;
+    places.of(note.role).push_back(std::move(filtered));
+  }
+  std::vector<std::string*> bodies;
+  for (auto* list : {&places.titlePages, &places.frontMatter, &places.main, &places.endMatter}) {
+    for (FilteredNote& note : *list) bodies.push_back(&note.body);
+  }
+  makeFootnoteLabelsUnique(bodies);
+  return places;
+}
+
+// --- Notes as pieces -----------------------------------------------------------------------------
+
+class PieceMaker {
+ public:
+  PieceMaker(const LKBindSpec& spec, const LKBindSubject& subject)
+      : spec_(spec), context_(subject.tokens()) {}
+
+  void addFront(BookPiece::Kind kind, std::string body) { add(kind, std::move(body), true); }
+
+  void addMain(FilteredNote note) {
+    context_.noteTitle = note.title;
+    switch (note.role) {
+      case LKBindNoteRole::chapter:
+      case LKBindNoteRole::part: {
+        LKBindAssembler::SplitBody split = LKBindAssembler::splitFirstH1(note.body);
+        addHeaded(note.role, split.title.value_or(std::string()), std::move(split.rest));
+        break;
+      }
+      case LKBindNoteRole::scene:
+        ++scenes_;
+        add(BookPiece::Kind::scene, LKBindAssembler::splitFirstH1(note.body).rest, false);
+        pieces_.back().isAfterScene = scenes_ > 1;
+        break;
+      case LKBindNoteRole::book:
+        addBook(note.body);
+        break;
+      default:
+        add(BookPiece::Kind::plain, std::move(note.body), spec_.headings.h1.pageBreakBefore);
+        scenes_ = 0;
+    }
+  }
+
+  void addEnd(std::string body) { add(BookPiece::Kind::end, std::move(body), true); }
+
+  void addEndSections() {
+    for (std::string& body : std::exchange(endSections_, {})) addEnd(std::move(body));
+  }
+
+  std::vector<BookPiece> take() { return std::move(pieces_); }
+
+ private:
+  void add(BookPiece::Kind kind, std::string body, bool isOnNewPage) {
+    pieces_.push_back({kind, "", std::move(body), isOnNewPage});
+  }
+
+  void addHeaded(LKBindNoteRole role, const std::string& title, std::string rest) {
+    const bool isPart = role == LKBindNoteRole::part;
+    const LKBindHeading& heading = isPart ? spec_.headings.part : spec_.headings.h1;
+    std::optional<int64_t>& number = isPart ? context_.partNumber : context_.chapterNumber;
+    number = number.value_or(0) + 1;
+    context_.chapterTitle = title.empty() ? context_.noteTitle : title;
+    add(isPart ? BookPiece::Kind::part : BookPiece::Kind::chapter, std::move(rest),
+        heading.pageBreakBefore);
+    pieces_.back().heading = headingText(heading);
+    scenes_ = 0;
+  }
+
+  std::string headingText(const LKBindHeading& heading) const {
+    std::string text = LKBindTokenResolver::resolve(heading.prefix, context_) +
+                       LKBindTokenResolver::resolve(heading.suffix, context_);
+    return text::trimmed(text).empty() ? *context_.chapterTitle : text;
+  }
+
+  void addBook(std::string_view body) {
+    LKBindAssembler::BookBody book = LKBindAssembler::parseBookBody(body);
+    if (!text::trimmed(book.preamble).empty()) {
+      addFront(BookPiece::Kind::front, std::move(book.preamble));
+    }
+    for (LKBindAssembler::BookBodySection& section : book.sections) {
+      const bool isHeaded =
+          section.role == LKBindNoteRole::chapter || section.role == LKBindNoteRole::part;
+      if (isHeaded) {
+        addHeaded(section.role, section.title, std::move(section.body));
+        continue;
+      }
+      std::string withHeading =
+          section.title.empty() ? section.body : "# " + section.title + "\n\n" + section.body;
+      if (section.role == LKBindNoteRole::frontMatter) {
+        addFront(BookPiece::Kind::front, std::move(withHeading));
+      } else if (section.role == LKBindNoteRole::endMatter) {
+        endSections_.push_back(std::move(withHeading));
+      }
+    }
+  }
+
+  const LKBindSpec& spec_;
+  LKBindTokenContext context_;
+  std::vector<BookPiece> pieces_;
+  std::vector<std::string> endSections_;
+  size_t scenes_ = 0;  // of this chapter
+};
+
+}  // namespace
+
+std::vector<BookPiece> bookPieces(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& spec,
+                                  const LKBindSubject& subject) {
+  NotesByPlace places = sortedNotes(notes, spec.filters);
+  PieceMaker maker(spec, subject);
+  for (FilteredNote& note : places.titlePages) {
+    maker.addFront(BookPiece::Kind::titlePage, std::move(note.body));
+  }
+  for (FilteredNote& note : places.frontMatter) {
+    maker.addFront(BookPiece::Kind::front, std::move(note.body));
+  }
+  for (FilteredNote& note : places.main) maker.addMain(std::move(note));
+  maker.addEndSections();
+  for (FilteredNote& note : places.endMatter) maker.addEnd(std::move(note.body));
+  return maker.take();
+}
+
+}  // namespace lk
