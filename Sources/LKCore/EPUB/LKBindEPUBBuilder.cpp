@@ -327,7 +327,8 @@ std::string escapeUnknownTags(std::string_view html) {
       result.append(html.substr(place + 1, inside - place - 1)).append("&gt;");
       copied = tag->range.end;
     } else if (isOpenVoid) {
-      result.append(html.substr(copied, inside - copied)).append(tag->attributes.empty() ? "/>" : " />");
+      result.append(html.substr(copied, inside - copied))
+          .append(tag->attributes.empty() ? "/>" : " />");
       copied = tag->range.end;
     }
     place = html.find('<', tag->range.end);

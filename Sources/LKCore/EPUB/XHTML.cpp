@@ -166,6 +166,7 @@ class Converter {
         dataEnds_(html, "]]>"),
         brackets_(html, ">"),
         formulaEnds_(html, "</math"),
+        drawingEnds_(html, "</svg"),
         scriptEnds_(html, "</script"),
         styleEnds_(html, "</style") {}
 
@@ -197,11 +198,11 @@ class Converter {
     const auto tag = tagAt(html_, place_, ends_);
     if (!tag) return takeOneBracket();
     const Element* const element = elementNamed(tag->name);
-    const bool isInFormula = place_ < formulaEnd_;
-    if (element == nullptr && !isInFormula) return takeAsText(tag->range);
+    const bool isInForeign = place_ < foreignEnd_;
+    if (element == nullptr && !isInForeign) return takeAsText(tag->range);
     isMuted_ = false;
     place_ = tag->range.end;
-    if (element == nullptr || (isInFormula && element->place == Place::formula)) return;
+    if (element == nullptr) return;
     if (tag->isEnd) {
       takeEnd(*element);
     } else {
@@ -265,9 +266,7 @@ class Converter {
       case Place::removed:
         return skipRemoved(tag);
       case Place::formula:
-        formulaEnd_ = formulaEnds_.from(place_);
-        if (formulaEnd_ == std::string_view::npos) formulaEnd_ = 0;
-        return;
+        return beginForeign(formulaEnds_);
       case Place::readingMark:
         isMuted_ = rubyAround() > 0;
         return;
@@ -437,13 +436,19 @@ class Converter {
     if (end) place_ = end->range.end;
   }
 
+  // Up to the end tag names that HTML has not are no text, but tags of another language.
+  void beginForeign(LaterPlace& ends) {
+    const size_t end = ends.from(place_);
+    if (end < html_.size()) foreignEnd_ = std::max(foreignEnd_, end);
+  }
+
   void takeDrawing(const Tag& tag) {
     size_t reached = tag.range.start;
-    if (reached < noDrawingBefore_) return;
+    if (reached < noDrawingBefore_) return beginForeign(drawingEnds_);
     const auto drawing = plainDrawing(html_, reached);
     if (!drawing) {
       noDrawingBefore_ = reached;
-      return;
+      return beginForeign(drawingEnds_);
     }
     nesting_.makeRoomForWords();
     nesting_.markup().append(drawing->markup);
@@ -509,10 +514,11 @@ class Converter {
   LaterPlace dataEnds_;
   LaterPlace brackets_;
   LaterPlace formulaEnds_;
+  LaterPlace drawingEnds_;
   LaterPlace scriptEnds_;
   LaterPlace styleEnds_;
   size_t place_ = 0;
-  size_t formulaEnd_ = 0;       // of the formula that is being read
+  size_t foreignEnd_ = 0;       // of the formula or drawing of which only the text stays
   size_t noDrawingBefore_ = 0;  // a drawing that begins before fails there
   bool isMuted_ = false;
   bool hasDrawings_ = false;
