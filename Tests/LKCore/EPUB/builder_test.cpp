@@ -188,18 +188,18 @@ TEST(EPUBBuilder, SaysWhatWentWrong) {
   };
   EXPECT_EQ(failure("<p>x</p>", folder.path() / "a.epub"),
             "Bind EPUB: the engine HTML had no <body> section to extract.");
-  const fs::path nowhere = folder.path() / "gone/a.epub";
-  EXPECT_EQ(failure("<body></body>", nowhere),
-            "Bind EPUB: could not build the EPUB archive — Archive create failed: " +
-                nowhere.string() + ": No such file or directory");
+  EXPECT_TRUE(failure("<body></body>", folder.path() / "gone/a.epub")
+                  .starts_with("Bind EPUB: could not build the EPUB archive — Archive create "
+                               "failed: " +
+                               folder.path().string()));
+  EXPECT_FALSE(fs::exists(folder.path() / "gone"));
   EXPECT_EQ(failure("<body></body>", folder.path() / "a.epub"), "none");
   EXPECT_TRUE(fs::exists(folder.path() / "a.epub"));
 }
 
-constexpr std::string_view kEverything =
-    R"(# Chapter: Dawn & <Dusk>
+constexpr std::string_view kEverything = R"NOTE(# Chapter: Dawn & <Dusk>
 
-Text with *emphasis*, **strong**, ~~gone~~, `code`, ==marked==, [[Other]], a [link](https://a.b/c d),
+Text with *emphasis*, **strong**, ~~gone~~, `code`, ==marked==, [[Other]], a [link](https://a.b/c),
 [to nowhere](#nowhere), https://example.com/?q=[x] and a note[^one] and again[^one].[^two words]
 
 ## Lists
@@ -236,28 +236,27 @@ graph TD
 
 ---
 
-<div align="center" onclick="x()" >
-    <p> One<p> Two<font color = red> red</ font></ div><details><summary> More</ summary>
+<div align="center" onclick="x()"><p>One<p>Two <font color=red>red</font></div>
+<details><summary>More</summary>
 
-        hidden
+hidden
 
-    </ details>
+</details>
 
-    <table width = "50%"><td bgcolor = "#eee"> a<td> b<tr><td colspan = 2> c</ table>
-    <svg viewBox = "0 0 9 9"><title> t</ title><path d = "M0 0L9 9" stroke = "red" /></ svg>
-    <video src = "http://a.b/c.mp4"> film</ video><form action = "http://a.b">
-    <input name = a> go</ form><ruby> a<rt> b</ rt></ ruby><a name = "spot here"> x</ a>
-    <a href = "#spot here"> y</ a><foo>& bogus;
-&nbsp;
+<table width="50%"><td bgcolor="#eee">a<td>b<tr><td colspan=2>c</table>
+<svg viewBox="0 0 9 9"><title>t</title><path d="M0 0L9 9" stroke="red"/></svg>
+<video src="http://a.b/c.mp4">film</video> <form action="http://a.b"><input name=a> go</form>
+<ruby>a<rt>b</rt></ruby> <a name="spot here">x</a> <a href="#spot here">y</a> <foo> &bogus; &nbsp;
 
 [^one]: First with `code`
 [^two words]: Second
-#Part : Second
 
-#Chapter : Night
+# Part: Second
+
+# Chapter: Night
 
 The end.
-)";
+)NOTE";
 
 // One book with every construct, and the sheets of all presets and themes, since each judgement
 // takes many seconds.
@@ -272,8 +271,7 @@ TEST(EPUBBuilder, PleasesTheChecker) {
   std::string html = LKBindEngine::bind({{"Book", std::string(kEverything), LKBindNoteRole::book}},
                                         spec, kBookSubject);
   std::string sheets;
-  for (LKBindSpec preset :
-       {LKBindSpec::iOSStandardManuscript(), LKBindSpec::iOSPaperback(), LKBindSpec::iOSPlain()}) {
+  for (const LKBindSpec& preset : LKBindSpec::iOSStyles()) {
     sheets += LKBindCSSGenerator::css(preset, kBookSubject);
   }
   for (const auto& theme : LKBindThemes::all) sheets += LKBindThemes::css(theme.id);
