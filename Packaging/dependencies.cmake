@@ -1,8 +1,7 @@
 # Read by cpack: which packages bring the libraries of the tool and of its parts. The tool and the
 # small archive part are what every installation has, so theirs are dependencies; the libraries of
 # the other parts, some tens of megabytes, are recommended, and the tool does without them.
-set(control ${CPACK_TOPLEVEL_DIRECTORY}/shlibdeps)
-file(WRITE ${control}/debian/control "Source: larkspire\n\nPackage: larkspire\nArchitecture: any\n")
+file(WRITE ${CPACK_LK_SCRATCH}/debian/control "Source: larkspire\n\nPackage: larkspire\nArchitecture: any\n")
 file(GLOB recommended ${CPACK_LK_PARTS}/*.so)
 set(needed ${CPACK_LK_PROGRAM})
 if(EXISTS ${CPACK_LK_PARTS}/archive.so)
@@ -13,7 +12,7 @@ list(TRANSFORM needed PREPEND -e)
 list(TRANSFORM recommended PREPEND -e)
 execute_process(
   COMMAND dpkg-shlibdeps -O -dDepends ${needed} -dRecommends ${recommended}
-  WORKING_DIRECTORY ${control}
+  WORKING_DIRECTORY ${CPACK_LK_SCRATCH}
   OUTPUT_VARIABLE found
   ERROR_VARIABLE complaint
   RESULT_VARIABLE status)

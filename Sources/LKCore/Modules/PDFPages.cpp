@@ -19,7 +19,7 @@ std::vector<PDFPage>& pagesIn(void* target) {
   return *static_cast<std::vector<PDFPage>*>(target);
 }
 
-std::string stringOf(PartBytes bytes) {
+std::string textOfPart(PartBytes bytes) {
   return {bytes.data, bytes.size};
 }
 
@@ -48,7 +48,7 @@ std::vector<PDFPage> pdfPages(std::string_view pdf) {
       },
       [](void* target, const PartWord* word) noexcept {
         return cameThrough([&] {
-          pagesIn(target).back().words.push_back({stringOf(word->text), word->left, word->top,
+          pagesIn(target).back().words.push_back({textOfPart(word->text), word->left, word->top,
                                                   word->right, word->bottom, word->endsLine,
                                                   word->spaceAfter});
         });
@@ -67,7 +67,8 @@ std::map<std::string, PDFDestination, std::less<>> pdfDestinations(std::string_v
       &result, [](void* target, PartBytes name, PartDestination destination) noexcept {
         return cameThrough([&] {
           static_cast<Destinations*>(target)->emplace(
-              stringOf(name), PDFDestination{destination.page, destination.left, destination.top});
+              textOfPart(name),
+              PDFDestination{destination.page, destination.left, destination.top});
         });
       }};
   std::string error;
