@@ -1,7 +1,7 @@
 #pragma once
 
-// Colours for fenced code: keywords, texts, comments and numbers of common languages. A language
-// that nobody here knows stays plain.
+// Colours for fenced code: keywords, texts, comments and numbers, as `colouredCode` finds them. A
+// language that nobody here knows stays plain, and all code where that part is not installed.
 //
 //     tokens("let x = 1 // one", "swift")    // keyword "let", number "1", comment "// one"
 
@@ -10,10 +10,11 @@
 #include <vector>
 
 #include "LKCore/Base/TextRange.h"
+#include "LKCore/Modules/CodeColours.h"
 
 namespace lk::LKBindSyntaxHighlighter {
 
-enum class TokenKind { keyword, string, comment, number };
+using TokenKind = CodeColour;
 
 struct Token {
   TextRange range;  // UTF-8 bytes of the code
@@ -23,7 +24,6 @@ struct Token {
 };
 
 // In the order of the code, without overlap; what lies between is plain. The language in any case.
-// Linear in the code.
 std::vector<Token> tokens(std::string_view code, std::string_view language);
 
 // The HTML with spans in the code blocks that name a language.

@@ -23,7 +23,13 @@ class DownloadError : public Error {
 // have public addresses: none that is private, loopback, link-local, multicast or reserved. No
 // cookies, no credentials, no proxies of the environment for such addresses. Throws DownloadError
 // with the reason, for any status but 200, after `timeout` over the whole, and beyond `limit` bytes;
-// ModuleError.
-Download download(const std::string& url, std::chrono::seconds timeout, size_t limit);
+// ModuleError. `ownServer`: one numeric address that may be reached all the same, for a server of
+// the caller's own; no note and no book names it.
+Download download(const std::string& url, std::chrono::seconds timeout, size_t limit,
+                  const std::string& ownServer = "");
+
+// Whether a numeric address, IPv4 or IPv6, is one that `download` may reach; nothing else is.
+// Throws ModuleError.
+bool isPublicAddress(const std::string& address);
 
 }  // namespace lk

@@ -141,6 +141,7 @@ TEST(BindEngine, PutsFootnotesAtTheEndOfChapters) {
   EXPECT_TRUE(hasText(body, "<section class=\"footnotes\">\n<hr>\n<ol>\n" + item("u", "Unused")));
 }
 
+// Needs the part that colours code, which the check builds.
 TEST(BindEngine, ColoursCode) {
   using LKBindSyntaxHighlighter::applyToHTML;
   EXPECT_EQ(
