@@ -106,6 +106,14 @@ std::string frontMatterRules(const std::vector<RunningBox>& boxes,
   return rules.append("}\n.bind-titlepage, nav.bind-toc { page: bind-front; }\n");
 }
 
+std::string blankRule(std::string_view page) {
+  std::string rule = "@page " + std::string(page) + " {\n";
+  for (const MarginBox& box : kMarginBoxes) {
+    rule.append("  @").append(box.name).append(" { content: none; }\n");
+  }
+  return rule.append("}\n");
+}
+
 }  // namespace
 
 std::string pageRule(const LKBindSpec& spec, const LKBindTokenContext& context) {
@@ -116,11 +124,9 @@ std::string pageRule(const LKBindSpec& spec, const LKBindTokenContext& context) 
   for (const RunningBox& box : boxes) rules.append(marginBoxRule(box, heads));
   rules.append("}\n").append(frontMatterRules(boxes, heads)).append(runningStrings(boxes, heads));
   if (!heads.firstPageBlank) return rules;
-  rules.append("@page :first {\n");
-  for (const MarginBox& box : kMarginBoxes) {
-    rules.append("  @").append(box.name).append(" { content: none; }\n");
-  }
-  return rules.append("}\n");
+  rules.append(blankRule(":first"));
+  // A named page outranks ":first".
+  return countsFrontMatterApart(heads) ? rules.append(blankRule("bind-front:first")) : rules;
 }
 
 std::string resolveRunning(std::string_view text, const LKBindTokenContext& context,
