@@ -70,7 +70,12 @@ nav.bind-toc li.bind-toc-entry {
 }
 nav.bind-toc li.bind-toc-entry-part { font-weight: bold; margin-top: 0.8em; }
 nav.bind-toc a { color: inherit; text-decoration: none; overflow-wrap: anywhere; }
-nav.bind-toc .toc-page { font-variant-numeric: lining-nums tabular-nums; }
+nav.bind-toc .toc-page {
+  flex: none;
+  min-width: 2.2em;
+  text-align: right;
+  font-variant-numeric: lining-nums tabular-nums;
+}
 nav.bind-toc .toc-page::after { content: target-counter(attr(data-target-id), page); }
 )";
 

@@ -84,7 +84,11 @@ std::string css(const LKBindSpec& spec, const LKBindSubject& subject) {
 
 std::string bodyRules(const LKBindTypography& type) {
   const std::string hyphens = type.justifyBody ? "auto" : "manual";
+  // Running heads take the font of "html" in some engines.
   return "html, body { overflow-x: clip; }\n"
+         "html { font-family: " +
+         cssFontFamily(type.bodyFont) +
+         "; }\n"
          "body {\n  font-family: " +
          cssFontFamily(type.bodyFont) + ";\n  font-size: " + points(type.bodySizePt) +
          ";\n  line-height: " + std::string(lineHeight(type.lineSpacing)) +

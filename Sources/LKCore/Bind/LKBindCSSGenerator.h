@@ -34,9 +34,16 @@ std::string imageRules();
 std::string fixedRules();
 
 // A running head as a value of `content`: quoted texts and counters. Empty when it prints nothing.
-// A token without a value prints nothing, one that nobody knows its own letters.
+// A token without a value prints nothing, one that nobody knows its own letters. {page} is the value
+// of `pageCounter`.
 std::string resolveRunning(std::string_view text, const LKBindTokenContext& context,
-                           LKBindPageNumberStyle numbers);
+                           LKBindPageNumberStyle numbers, std::string_view pageCounter = "page");
+
+// Whether the pages before the first chapter count for themselves, so that it begins with page 1.
+bool countsFrontMatterApart(const LKBindHeaderFooter& heads);
+
+// The name of a numbering as style sheets have it: "decimal", "lower-roman".
+std::string_view counterStyleName(LKBindPageNumberStyle style);
 
 // The family with what stands in for it where it is missing.
 std::string cssFontFamily(std::string_view name);

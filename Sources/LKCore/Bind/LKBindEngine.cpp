@@ -41,7 +41,7 @@ std::string bind(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& sp
                  const LKBindSubject& subject, const LKBindDiagrams& mermaidRenders) {
   std::string sheet = LKBindCSSGenerator::css(spec, subject) + LKBindThemes::css(spec.theme);
   if (spec.filters.syntaxHighlightCode) sheet.append(LKBindSyntaxHighlighter::lightSheet());
-  const std::string language = languageTag(subject.locale.empty() ? userLocale() : subject.locale);
+  const std::string language = bookLanguage(subject);
   std::string page = "<!DOCTYPE html>\n";
   page.append(language.empty() ? "<html>\n" : "<html lang=\"" + language + "\">\n");
   page.append("<head>\n<meta charset=\"utf-8\">\n<title>");
@@ -58,6 +58,10 @@ std::string bookTitle(const LKBindSpec& spec, const LKBindSubject& subject) {
     if (c == '\n' || c == '\r') c = ' ';
   }
   return title;
+}
+
+std::string bookLanguage(const LKBindSubject& subject) {
+  return languageTag(subject.locale.empty() ? userLocale() : subject.locale);
 }
 
 }  // namespace lk::LKBindEngine

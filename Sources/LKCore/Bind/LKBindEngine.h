@@ -57,5 +57,8 @@ std::string bind(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& sp
 // line.
 std::string bookTitle(const LKBindSpec& spec, const LKBindSubject& subject);
 
+// The language of the book as HTML names it, "de-DE" for "de_DE"; empty when the locale names none.
+std::string bookLanguage(const LKBindSubject& subject);
+
 }  // namespace LKBindEngine
 }  // namespace lk

@@ -1,5 +1,6 @@
 // The page box and its running heads.
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -25,17 +26,7 @@ constexpr std::array<MarginBox, 6> kMarginBoxes = {{
     {"bottom-right", &LKBindHeaderFooter::footerRight},
 }};
 
-std::string_view counterStyle(LKBindPageNumberStyle style) {
-  switch (style) {
-    case LKBindPageNumberStyle::romanLower:
-      return ", lower-roman";
-    case LKBindPageNumberStyle::romanUpper:
-      return ", upper-roman";
-    case LKBindPageNumberStyle::arabic:
-      break;
-  }
-  return "";
-}
+constexpr std::string_view kFrontCounter = "bind-front";
 
 bool countsPages(std::string_view content) {
   return content.find("counter(page") != std::string_view::npos;
@@ -56,7 +47,7 @@ std::string sizeRule(const LKBindPage& page) {
 struct RunningBox {
   std::string_view name;
   std::string content;
-  std::string frontContent;  // in the numbering of the front matter
+  std::string frontContent;  // with the counter and the numbering of the front matter
 };
 
 std::vector<RunningBox> runningBoxes(const LKBindHeaderFooter& heads,
@@ -67,8 +58,8 @@ std::vector<RunningBox> runningBoxes(const LKBindHeaderFooter& heads,
     const std::string& text = heads.*box.text;
     std::string content = resolveRunning(text, context, heads.pageNumberStyle);
     if (content.empty()) continue;
-    boxes.push_back(
-        {box.name, std::move(content), resolveRunning(text, context, heads.frontMatterPageStyle)});
+    boxes.push_back({box.name, std::move(content),
+                     resolveRunning(text, context, heads.frontMatterPageStyle, kFrontCounter)});
   }
   return boxes;
 }
@@ -96,23 +87,31 @@ std::string runningStrings(const std::vector<RunningBox>& boxes, const LKBindHea
     strings.append(" ").append(box.content);
   }
   if (strings.empty()) return {};
-  return "body, h1.bind-chapter, h1.bind-part { string-set: " + strings + "; }\n";
+  // Not on the body, which is on every page: each would count as one where the string is set.
+  return "body > :first-child, h1.bind-chapter, h1.bind-part { string-set: " + strings + "; }\n";
 }
 
-// Pages before the book proper count for themselves where their numbers look different.
+// Pages before the book proper count for themselves, on a counter of their own. The pages' counter
+// stands still meanwhile: no engine lets an element reset it.
 std::string frontMatterRules(const std::vector<RunningBox>& boxes,
                              const LKBindHeaderFooter& heads) {
-  std::string contents;
+  if (!countsFrontMatterApart(heads)) return {};
+  std::string rules =
+      "@page bind-front {\n  counter-increment: " + std::string(kFrontCounter) + " 1 page 0;\n";
   for (const RunningBox& box : boxes) {
-    if (!countsPages(box.content) || box.content == box.frontContent) continue;
-    contents.append("  @").append(box.name).append(" { content: ");
-    contents.append(box.frontContent).append("; }\n");
+    if (box.content == box.frontContent) continue;
+    rules.append("  @").append(box.name).append(" { content: ");
+    rules.append(box.frontContent).append("; }\n");
   }
-  if (contents.empty() || heads.frontMatterPageStyle == heads.pageNumberStyle) return {};
-  return "@page bind-front {\n" + contents + "}\n" +
-         ".bind-titlepage, nav.bind-toc { page: bind-front; }\n" +
-         ".bind-titlepage ~ h1:first-of-type, nav.bind-toc ~ h1:first-of-type "
-         "{ counter-reset: page 1; }\n";
+  return rules.append("}\n.bind-titlepage, nav.bind-toc { page: bind-front; }\n");
+}
+
+std::string blankRule(std::string_view page) {
+  std::string rule = "@page " + std::string(page) + " {\n";
+  for (const MarginBox& box : kMarginBoxes) {
+    rule.append("  @").append(box.name).append(" { content: none; }\n");
+  }
+  return rule.append("}\n");
 }
 
 }  // namespace
@@ -125,15 +124,13 @@ std::string pageRule(const LKBindSpec& spec, const LKBindTokenContext& context) 
   for (const RunningBox& box : boxes) rules.append(marginBoxRule(box, heads));
   rules.append("}\n").append(frontMatterRules(boxes, heads)).append(runningStrings(boxes, heads));
   if (!heads.firstPageBlank) return rules;
-  rules.append("@page :first {\n");
-  for (const MarginBox& box : kMarginBoxes) {
-    rules.append("  @").append(box.name).append(" { content: none; }\n");
-  }
-  return rules.append("}\n");
+  rules.append(blankRule(":first"));
+  // A named page outranks ":first".
+  return countsFrontMatterApart(heads) ? rules.append(blankRule("bind-front:first")) : rules;
 }
 
 std::string resolveRunning(std::string_view text, const LKBindTokenContext& context,
-                           LKBindPageNumberStyle numbers) {
+                           LKBindPageNumberStyle numbers, std::string_view pageCounter) {
   std::string content;
   std::string literal;
   const auto append = [&](std::string_view piece) {
@@ -146,8 +143,10 @@ std::string resolveRunning(std::string_view text, const LKBindTokenContext& cont
   const auto token = [&](std::string_view name) {
     if (name == "page" || name == "pagecount") {
       finishLiteral();
-      append(std::string(name == "page" ? "counter(page" : "counter(pages") +
-             std::string(counterStyle(numbers)) + ")");
+      const std::string counter(name == "page" ? pageCounter : "pages");
+      const bool isPlain = numbers == LKBindPageNumberStyle::arabic;
+      append("counter(" + counter +
+             (isPlain ? ")" : ", " + std::string(counterStyleName(numbers)) + ")"));
     } else if (const auto value = LKBindTokenResolver::value(name, context)) {
       literal.append(*value);
     } else if (!LKBindTokenResolver::isToken(name)) {
@@ -159,6 +158,26 @@ std::string resolveRunning(std::string_view text, const LKBindTokenContext& cont
   if (content.empty() && text::trimmed(literal).empty()) return {};
   finishLiteral();
   return content;
+}
+
+bool countsFrontMatterApart(const LKBindHeaderFooter& heads) {
+  if (heads.style == LKBindHeaderFooterStyle::none) return false;
+  if (heads.frontMatterPageStyle == heads.pageNumberStyle) return false;
+  return std::ranges::any_of(kMarginBoxes, [&](const MarginBox& box) {
+    return countsPages(resolveRunning(heads.*box.text, {}, heads.pageNumberStyle));
+  });
+}
+
+std::string_view counterStyleName(LKBindPageNumberStyle style) {
+  switch (style) {
+    case LKBindPageNumberStyle::romanLower:
+      return "lower-roman";
+    case LKBindPageNumberStyle::romanUpper:
+      return "upper-roman";
+    case LKBindPageNumberStyle::arabic:
+      break;
+  }
+  return "decimal";
 }
 
 }  // namespace lk::LKBindCSSGenerator
