@@ -121,7 +121,9 @@ LKBindDiagrams drawnDiagrams(const std::vector<std::string>& sources,
   }
   const fs::path script = drawingScript();
   if (script.empty()) {
-    explain("Diagrams need the script mermaid.min.js in lib/larkspire beside the tool.");
+    explain(
+        "Diagrams need the script mermaid.min.js in lib/larkspire beside the tool, where "
+        "Packaging/install-diagrams puts it.");
     return diagrams;
   }
   std::unique_ptr<DiagramPage> page;

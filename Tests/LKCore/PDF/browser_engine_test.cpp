@@ -135,6 +135,23 @@ TEST(BrowserEngine, DiesWithItsOwner) {
   EXPECT_EQ(traces.left(), "");
 }
 
+TEST(BrowserDiagrams, DrawWhatCanBeDrawn) {
+  if (test::browser().empty()) GTEST_SKIP() << "chromium is not installed";
+  const std::string good = "graph TD\nA[Sow] --> B[Water & wait]";
+  std::string message;
+  const LKBindDiagrams drawn =
+      drawnDiagrams({good, "no diagram at all", good}, within(60), &message);
+  if (message.find("install-diagrams") != std::string::npos) GTEST_SKIP() << message;
+  ASSERT_EQ(drawn.size(), 1U) << message;
+  const LKBindDiagram& diagram = drawn.at(good);
+  EXPECT_TRUE(diagram.svg.starts_with("<svg")) << diagram.svg.substr(0, 80);
+  EXPECT_NE(diagram.svg.find("Water &amp; wait"), std::string::npos);
+  EXPECT_EQ(diagram.svg.find("foreignObject"), std::string::npos);
+  EXPECT_EQ(diagram.png.substr(1, 3), "PNG");
+  EXPECT_GT(diagram.width, 20);
+  EXPECT_GT(diagram.height, diagram.width / 2);
+}
+
 TEST(BrowserHyphenation, TakesPatternsAlone) {
   const std::string none = hyphenationDictionary("");
   EXPECT_EQ(hyphenationDictionary("UTF-8\nLEFTHYPHENMIN 2\n%x\n\xC3\xA9"
