@@ -93,7 +93,7 @@ std::string synopsisOf(const CommandPath& path) {
 }
 
 std::string manualTerm(const Argument& argument) {
-  const std::string value = "\\fI" + roffText(argument.valueName) + "\\fR";
+  std::string value = "\\fI" + roffText(argument.valueName) + "\\fR";
   if (argument.kind == Argument::Kind::positional) return value;
   std::string result;
   if (!argument.shortName.empty()) result += roffBold(argument.shortName) + ", ";

@@ -44,7 +44,7 @@ fs::path createNote(Day day, const fs::path& collection) {
 }
 
 fs::path requireNote(Day day, const fs::path& collection) {
-  const fs::path note = LKDailyNoteService::dailyNoteURL(day, collection);
+  fs::path note = LKDailyNoteService::dailyNoteURL(day, collection);
   if (!nameIsTaken(note)) return createNote(day, collection);
   requireWritableDailyNotes(collection);
   requireReadableBlock(note);
