@@ -12,6 +12,7 @@
 #include "LKCore/PDF/LKBindPDFRenderer.h"
 #include "LKCore/Platform/Directories.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/ProcessStart.h"
 
 namespace lk {
 
@@ -92,17 +93,8 @@ std::string lastLines(std::string_view words) {
 }  // namespace
 
 fs::path browserProgram() {
-  const char* path = std::getenv("PATH");
-  if (path == nullptr) return {};
   for (const char* name : {"chromium", "chromium-browser", "google-chrome"}) {
-    for (const std::string_view folder : text::split(path, ':')) {
-      if (folder.empty()) continue;
-      const fs::path program = fs::absolute(fs::path(folder) / name);
-      std::error_code missing;
-      if (fs::is_regular_file(program, missing) && access(program.c_str(), X_OK) == 0) {
-        return program;
-      }
-    }
+    if (auto program = programOnPath(name)) return *std::move(program);
   }
   return {};
 }

@@ -11,6 +11,7 @@
 #include "LKCore/Pictures/CollectionPicture.h"
 #include "LKCore/Platform/ChildProcess.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/ProcessStart.h"
 #include "LKCore/Rendering/HTMLText.h"
 
 namespace lk {

@@ -2,24 +2,20 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
-#include <system_error>
 #include <thread>
 #include <utility>
 
-#include "LKCore/Base/Text.h"
 #include "LKCore/Platform/Descriptor.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/ProcessStart.h"
 
 namespace lk {
 
@@ -74,7 +70,7 @@ class ChildGroup {
 [[noreturn]] void becomeChild(const std::array<int, 3>& standard, const char* program,
                               char* const* arguments, pid_t parent) {
   setpgid(0, 0);
-  if (unshare(CLONE_NEWNET) != 0) unshare(CLONE_NEWUSER | CLONE_NEWNET);
+  leaveNetwork();
   // Behind the change of user name space, which may take the wish back.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent) _exit(kStartFailed);
@@ -113,17 +109,12 @@ void send(Descriptor& to, std::string_view& rest) {
   to = Descriptor();
 }
 
-int millisecondsTo(ChildClock::time_point deadline) {
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - ChildClock::now());
-  return static_cast<int>(std::clamp<int64_t>(left.count(), 0, 3'600'000));
-}
-
 // Feeds the program and takes its output until both outputs end. False when that is late.
 bool exchange(Descriptor& in, Descriptor& out, Descriptor& err, std::string_view input,
               ChildRun& run, ChildClock::time_point deadline) {
   send(in, input);
   while (out || err) {
-    const int wait = millisecondsTo(deadline);
+    const int wait = millisecondsUntil(deadline);
     std::array<pollfd, 3> waiting = {{{in ? in.get() : -1, POLLOUT, 0},
                                       {out ? out.get() : -1, POLLIN, 0},
                                       {err ? err.get() : -1, POLLIN, 0}}};
@@ -177,19 +168,6 @@ ChildRun runChild(const ChildCommand& command, std::chrono::steady_clock::time_p
     run.status = WTERMSIG(*status);
   }
   return run;
-}
-
-std::optional<std::filesystem::path> programOnPath(std::string_view name) {
-  const char* const folders = std::getenv("PATH");
-  if (folders == nullptr) return {};
-  for (const std::string_view folder : text::split(folders, ':')) {
-    if (!folder.starts_with('/')) continue;  // never a program of the working folder
-    const std::filesystem::path path = std::filesystem::path(folder) / name;
-    std::error_code error;
-    const bool isFile = std::filesystem::is_regular_file(path, error);
-    if (isFile && access(path.c_str(), X_OK) == 0) return path;
-  }
-  return {};
 }
 
 }  // namespace lk

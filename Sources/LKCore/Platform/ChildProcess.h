@@ -11,9 +11,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace lk {
@@ -38,8 +36,5 @@ inline constexpr size_t kChildErrors = 16384;
 // Waits for the end of the program and of its output, until `deadline` at most. A program that cannot
 // be started ends with status 127. Throws FileError when the system gives no process or channel.
 ChildRun runChild(const ChildCommand& command, std::chrono::steady_clock::time_point deadline);
-
-// The executable file of that name in the folders of PATH.
-std::optional<std::filesystem::path> programOnPath(std::string_view name);
 
 }  // namespace lk

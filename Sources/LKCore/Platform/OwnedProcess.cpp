@@ -2,14 +2,12 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -21,6 +19,7 @@
 #include "LKCore/Platform/Descriptor.h"
 #include "LKCore/Platform/Directories.h"
 #include "LKCore/Platform/Files.h"
+#include "LKCore/Platform/ProcessStart.h"
 
 namespace lk {
 
@@ -32,24 +31,6 @@ constexpr int kChannel = 3;  // in the watcher and the program
 constexpr int kLife = 4;     // in the watcher
 constexpr const char* kLogName = "log";
 constexpr size_t kLogEnd = 4096;
-
-void writeKernelFile(const char* path, const std::string& text) {
-  const Descriptor file(open(path, O_WRONLY | O_CLOEXEC));
-  // What the kernel refuses leaves the program the nobody of its own user namespace.
-  if (file) (void)!write(file.get(), text.data(), text.size());
-}
-
-// A network without a single way out. Where only a user namespace allows it, the user stays the
-// same within.
-void leaveNetwork() {
-  if (unshare(CLONE_NEWNET) == 0) return;
-  const std::string user = std::to_string(geteuid());
-  const std::string group = std::to_string(getegid());
-  if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) return;
-  writeKernelFile("/proc/self/setgroups", "deny");
-  writeKernelFile("/proc/self/uid_map", user + " " + user + " 1");
-  writeKernelFile("/proc/self/gid_map", group + " " + group + " 1");
-}
 
 std::vector<char*> execList(std::vector<std::string>& texts) {
   std::vector<char*> list;
@@ -168,12 +149,6 @@ void watch(const OwnedProcess::Program& program, const fs::path& folder) noexcep
   if (child > 0) endDescendants(child);
   std::error_code ignored;
   fs::remove_all(folder, ignored);
-}
-
-int millisecondsUntil(OwnedProcess::Deadline deadline) {
-  const auto left =
-      std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-  return static_cast<int>(std::clamp<int64_t>(left.count(), 0, 3'600'000));
 }
 
 }  // namespace
