@@ -86,7 +86,7 @@ class ChildGroup {
 }
 
 // Reads what has come. False at the end.
-bool receive(const Descriptor& from, std::string& into) {
+bool collect(const Descriptor& from, std::string& into) {
   std::array<char, 65536> buffer{};
   while (true) {
     const ssize_t count = read(from.get(), buffer.data(), buffer.size());
@@ -98,7 +98,7 @@ bool receive(const Descriptor& from, std::string& into) {
 }
 
 // Writes what goes; shuts the channel when all has gone or nobody reads any more.
-void send(Descriptor& to, std::string_view& rest) {
+void feed(Descriptor& to, std::string_view& rest) {
   while (!rest.empty()) {
     const ssize_t count = ::send(to.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
     if (count < 0 && errno == EINTR) continue;
@@ -110,9 +110,9 @@ void send(Descriptor& to, std::string_view& rest) {
 }
 
 // Feeds the program and takes its output until both outputs end. False when that is late.
-bool exchange(Descriptor& in, Descriptor& out, Descriptor& err, std::string_view input,
-              ChildRun& run, ChildClock::time_point deadline) {
-  send(in, input);
+bool feedAndCollect(Descriptor& in, Descriptor& out, Descriptor& err, std::string_view input,
+                    ChildRun& run, ChildClock::time_point deadline) {
+  feed(in, input);
   while (out || err) {
     const int wait = millisecondsUntil(deadline);
     std::array<pollfd, 3> waiting = {{{in ? in.get() : -1, POLLOUT, 0},
@@ -120,9 +120,9 @@ bool exchange(Descriptor& in, Descriptor& out, Descriptor& err, std::string_view
                                       {err ? err.get() : -1, POLLIN, 0}}};
     if (wait == 0) return false;
     if (poll(waiting.data(), waiting.size(), wait) < 0 && errno != EINTR) return false;
-    if (waiting[0].revents != 0) send(in, input);
-    if (waiting[1].revents != 0 && !receive(out, run.out)) out = Descriptor();
-    if (waiting[2].revents != 0 && !receive(err, run.err)) err = Descriptor();
+    if (waiting[0].revents != 0) feed(in, input);
+    if (waiting[1].revents != 0 && !collect(out, run.out)) out = Descriptor();
+    if (waiting[2].revents != 0 && !collect(err, run.err)) err = Descriptor();
     if (run.err.size() > 2 * kChildErrors) run.err.erase(0, run.err.size() - kChildErrors);
   }
   return true;
@@ -151,7 +151,7 @@ ChildRun runChild(const ChildCommand& command, std::chrono::steady_clock::time_p
   for (ChildPipe* const pipe : {&in, &out, &err}) pipe->theirs = Descriptor();
 
   ChildRun run;
-  bool isLate = !exchange(in.ours, out.ours, err.ours, command.input, run, deadline);
+  bool isLate = !feedAndCollect(in.ours, out.ours, err.ours, command.input, run, deadline);
   std::optional<int> status = group.ended();
   while (!status && !isLate) {
     std::this_thread::sleep_for(kEndPause);
