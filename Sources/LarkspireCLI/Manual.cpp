@@ -270,10 +270,10 @@ std::vector<ManualPage> manualPages(const fs::path& additions) {
     pages.push_back({manualPageName(path) + ".1", manualPage(path, readAdditions(file->second))});
     files.erase(file);
   };
-  const CommandPath root = {&LK::configuration()};
-  add(root);
-  for (const CommandConfiguration& command : root.back()->subcommands) {
-    add(pathBelow(root, command));
+  const CommandPath whole = {&LK::configuration()};
+  add(whole);
+  for (const CommandConfiguration& command : whole.back()->subcommands) {
+    add(pathBelow(whole, command));
   }
   for (const auto& [name, file] : files) {
     if (!name.ends_with(".5")) throw ManualError(file.string() + " belongs to no page");

@@ -300,7 +300,7 @@ std::string stableUUID(std::string_view text) {
   std::string digits;
   appendHex(digits, fnvHash(text, kStandardBasis));
   appendHex(digits, fnvHash(text, kOtherBasis));
-  for (const size_t place : {20, 16, 12, 8}) digits.insert(place, 1, '-');
+  for (const size_t place : {20U, 16U, 12U, 8U}) digits.insert(place, 1, '-');
   return digits;
 }
 

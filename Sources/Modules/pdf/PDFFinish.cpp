@@ -18,8 +18,8 @@ namespace {
 // Every reader program knows ASCII and UTF-16; a PDF's own 8-bit letters are often misread.
 QPDFObjectHandle textObject(PartBytes bytes) {
   const std::string text(view(bytes));
-  const bool isASCII =
-      std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  const bool isASCII = std::all_of(text.begin(), text.end(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
   return QPDFObjectHandle::newString(isASCII ? text : QUtil::utf8_to_utf16(text));
 }
 

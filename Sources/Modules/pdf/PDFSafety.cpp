@@ -18,9 +18,10 @@ constexpr std::array<std::string_view, 4> kHarmlessSchemes = {"http", "https", "
 bool isHarmlessAddress(const std::string& address) {
   std::string scheme = address.substr(0, address.find(':'));
   if (scheme.size() == address.size()) return false;
-  std::ranges::transform(scheme, scheme.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return std::ranges::find(kHarmlessSchemes, scheme) != kHarmlessSchemes.end();
+  std::transform(scheme.begin(), scheme.end(), scheme.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return std::find(kHarmlessSchemes.begin(), kHarmlessSchemes.end(), scheme) !=
+         kHarmlessSchemes.end();
 }
 
 // Actions are chained by "/Next", which is left out with no question.
