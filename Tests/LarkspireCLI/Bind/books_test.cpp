@@ -1,9 +1,7 @@
 // `lk bind` in its four formats: what the files hold, what no note can make them hold, and what
 // happens without an engine, with one that hangs, and without room.
 
-#include <arpa/inet.h>
 #include <sys/mount.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +13,7 @@
 
 #include "LKCore/Base/Base64.h"
 #include "LarkspireCLI/Reading/ReadingFixture.h"
+#include "Support/LoopbackListener.h"
 #include "Support/PseudoTerminal.h"
 
 namespace lk {
@@ -40,36 +39,6 @@ fs::path programPath(const std::string& name) {
   }
   return {};
 }
-
-// A server on this machine that nobody may call.
-class Listener {
- public:
-  Listener() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* any = reinterpret_cast<sockaddr*>(&address);
-    if (bind(socket_, any, size) == 0 && listen(socket_, 8) == 0 &&
-        getsockname(socket_, any, &size) == 0) {
-      port_ = std::to_string(ntohs(address.sin_port));
-    }
-  }
-  ~Listener() { close(socket_); }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-
-  const std::string& port() const { return port_; }
-  bool wasCalled() const {
-    const int caller = accept(socket_, nullptr, nullptr);
-    if (caller >= 0) close(caller);
-    return caller >= 0;
-  }
-
- private:
-  int socket_;
-  std::string port_;
-};
 
 // Which program makes the book; empty: none is needed.
 struct BookCase {
@@ -259,8 +228,7 @@ constexpr Attack kAttacks[] = {
 };
 
 TEST_F(Books, GiveNoNoteAFileAScriptOrASocket) {
-  const Listener listener;
-  ASSERT_NE(listener.port(), "");
+  const test::LoopbackListener listener;
   const auto filled = [&](std::string text) {
     text = text::replacingAll(text, "SECRET", sandbox.home().string());
     return text::replacingAll(text, "PORT", listener.port());
@@ -309,7 +277,7 @@ TEST_F(Books, GiveNoNoteAFileAScriptOrASocket) {
     for (const char* never : {"topsecretzz", "root:x:0:0", "scriptranzz"}) {
       EXPECT_EQ(content.find(never), std::string::npos) << never;
     }
-    EXPECT_FALSE(listener.wasCalled());
+    EXPECT_EQ(listener.visitors(), 0);
     EXPECT_EQ(namesIn(sandbox.home() / "tmp"), std::vector<std::string>());
   }
 }
