@@ -280,6 +280,9 @@ void BlockWriter::appendRow(std::string& xml, const BodyBlocks::Table& table, si
   xml.append("<w:tr><w:trPr><w:cantSplit/>").append(row == 0 ? "<w:tblHeader/>" : "");
   xml.append("</w:trPr>");
   const size_t shown = std::min(cells.size() + 1, columns);  // one for all that are missing
+  // A table that a page can hold is not divided between two.
+  constexpr size_t kMostRowsKept = 12;
+  const bool staysWhole = row + 1 < table.rows.size() && table.rows.size() <= kMostRowsKept;
   for (size_t column = 0; column < shown; ++column) {
     const bool isMissing = column >= cells.size();
     const size_t span = isMissing ? columns - column : 1;
@@ -289,7 +292,7 @@ void BlockWriter::appendRow(std::string& xml, const BodyBlocks::Table& table, si
       xml.append("<w:gridSpan").append(numberAttribute("w:val", static_cast<int>(span)));
       xml.append("/>");
     }
-    xml.append("</w:tcPr><w:p>").append(styled("Normal"));
+    xml.append("</w:tcPr><w:p>").append(styled("Normal")).append(staysWhole ? "<w:keepNext/>" : "");
     xml.append(
         "<w:spacing w:before=\"0\" w:after=\"0\" w:line=\"240\" w:lineRule=\"auto\"/>"
         "<w:ind w:firstLine=\"0\"/><w:jc w:val=\"");

@@ -104,6 +104,7 @@ void DocumentWriter::addTitlePage(const GeneratedTitlePage& titlePage) {
 
 void DocumentWriter::addFront(const BookPiece& piece, const std::vector<BodyBlock>& blocks) {
   beginPiece(piece);
+  breakPage();
   const bool isTitlePage = piece.kind == BookPiece::Kind::titlePage;
   if (isTitlePage) {
     xml_.append("<w:p><w:pPr><w:pStyle w:val=\"Normal\"/><w:spacing");
