@@ -151,10 +151,17 @@ void watch(const OwnedProcess::Program& program, const fs::path& folder) noexcep
   fs::remove_all(folder, ignored);
 }
 
+// A program may put sockets into its folder, whose paths the system limits to 107 bytes.
+fs::path freeFolder() {
+  constexpr size_t kLongestScratch = 46;  // leaves 60 for the folder's name and what is in it
+  const fs::path scratch = fs::absolute(directories::scratch());
+  const std::string name = "lk-" + UUID::random().lowercaseText().substr(0, 8);
+  return (scratch.native().size() <= kLongestScratch ? scratch : fs::path("/tmp")) / name;
+}
+
 }  // namespace
 
-OwnedProcess::OwnedProcess(const Program& program)
-    : folder_(fs::absolute(directories::scratch() / ("lk-" + UUID::random().lowercaseText()))) {
+OwnedProcess::OwnedProcess(const Program& program) : folder_(freeFolder()) {
   std::array<int, 2> channel{};
   std::array<int, 2> life{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, channel.data()) != 0) {

@@ -229,7 +229,10 @@ std::vector<int> outlinePages(const test::Sandbox& sandbox, const std::string& f
 std::string realBook(const LKBindSpec& spec, const std::string& last) {
   std::string prose;
   for (int i = 0; i < 40; ++i) prose += "The lamp burned low over the harbour wall that evening.\n";
-  return LKBindEngine::bind({{"Dawn", prose}, {"Echo", prose}, {"Echo", "## Under it\n" + last}},
+  return LKBindEngine::bind({{"Title", "# Lamp\n\nAnn Lee", LKBindNoteRole::titlePage},
+                             {"Dawn", prose},
+                             {"Echo", prose},
+                             {"Echo", "## Under it\n" + last}},
                             spec, {.tagName = "lamp", .author = "Ann Lee", .locale = "en_US"});
 }
 

@@ -319,7 +319,11 @@ TEST_F(Books, TellTheirStageAtATerminalAndLeaveNothingWhenInterrupted) {
       return line.find(browser.string()) != std::string::npos;
     };
     terminal.readUntil("Laying out pages ...");
-    EXPECT_GT(std::ranges::count_if(processes(), isOfBrowser), 0);
+    const auto isStarted = [&] { return std::ranges::any_of(processes(), isOfBrowser); };
+    for (int tenth = 0; tenth < 100 && !isStarted(); ++tenth) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_TRUE(isStarted());
     terminal.type("\x03");
     // The tool itself stays as a process without a command line until it is waited for.
     const auto isClean = [&] {
