@@ -81,7 +81,7 @@ TEST(BrowserEngine, SaysWhatWentWrongAndLeavesNothing) {
       EXPECT_EQ(failure.kind, row.kind) << failure.words;
       EXPECT_NE(failure.words.find(row.words), std::string::npos) << failure.words;
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(row.seconds + 5));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(row.seconds + 40));
     EXPECT_EQ(traces.left(), "");
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a watcher is left";
   }
