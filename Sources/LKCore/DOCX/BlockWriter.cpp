@@ -287,7 +287,8 @@ void BlockWriter::appendRow(std::string& xml, const BodyBlocks::Table& table, si
     const bool isMissing = column >= cells.size();
     const size_t span = isMissing ? columns - column : 1;
     xml.append("<w:tc><w:tcPr><w:tcW");
-    xml.append(numberAttribute("w:w", width * static_cast<int>(span))).append(" w:type=\"dxa\"/>");
+    xml.append(numberAttribute("w:w", width * static_cast<long long>(span)));
+    xml.append(" w:type=\"dxa\"/>");
     if (span > 1) {
       xml.append("<w:gridSpan").append(numberAttribute("w:val", static_cast<int>(span)));
       xml.append("/>");

@@ -228,7 +228,7 @@ std::string ImageRegistry::imageRun(const EmbeddedImage& image, std::string_view
     xml.append(image.svgRelationshipID).append("\"/></a:ext></a:extLst></a:blip>");
   }
   xml.append("<a:stretch><a:fillRect/></a:stretch></pic:blipFill><pic:spPr><a:xfrm");
-  constexpr int kUnitsPerDegree = 60000;
+  constexpr long long kUnitsPerDegree = 60000;
   if (turn.degrees != 0) xml.append(numberAttribute("rot", turn.degrees * kUnitsPerDegree));
   if (turn.isMirrored) xml.append(" flipH=\"1\"");
   xml.append("><a:off x=\"0\" y=\"0\"/><a:ext").append(size);

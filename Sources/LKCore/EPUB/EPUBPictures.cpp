@@ -75,7 +75,7 @@ class Bundler {
     auto picture = resolveImage(source, root_);
     if (!picture) return {};
     const std::string id = "img" + std::to_string(images_.size() + 1);
-    const std::string path = "images/" + id + "." + picture->ext;
+    std::string path = "images/" + id + "." + picture->ext;
     images_.push_back({id, path, std::move(picture->mediaType), std::move(picture->data)});
     return path;
   }

@@ -123,16 +123,18 @@ class AttributeWriter {
       if (direction == "ltr" || direction == "rtl" || direction == "auto") write(name, direction);
     } else if (name == "epub:type") {
       takeSemantics(value);
-    } else if (name == "title" || name == "aria-label") {
-      write(name, value);
-    } else if (name == "aria-hidden" && (value == "true" || value == "false")) {
-      write(name, value);
-    } else if (isData(name)) {
+    } else if (isPlainText(name, value)) {
       write(name, value);
     } else {
       return isID;
     }
     return true;
+  }
+
+  // What stays as it is.
+  static bool isPlainText(const std::string& name, const std::string& value) {
+    if (name == "aria-hidden") return value == "true" || value == "false";
+    return name == "title" || name == "aria-label" || isData(name);
   }
 
   // What belongs into a style sheet today.
