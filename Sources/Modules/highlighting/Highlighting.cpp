@@ -114,7 +114,7 @@ class Colourer : public KSyntaxHighlighting::AbstractHighlighter {
 
   // False when the sink takes no more.
   bool readLine(std::string_view line, size_t lineStart) {
-    if (line.size() > 4U * kLongestLine) return true;
+    if (line.size() > size_t{4} * kLongestLine) return true;
     const QString text = QString::fromUtf8(line.data(), static_cast<int>(line.size()));
     starts_ = unitStarts(line);
     const bool isExact = static_cast<size_t>(text.size()) + 1 == starts_.size();
