@@ -73,7 +73,7 @@ TEST(XHTML, NestsElements) {
   std::string deep;
   for (int i = 0; i < 1000; ++i) deep += "<div>";
   std::string expected = "x";
-  for (int i = 0; i < 200; ++i) expected = "<div>" + expected + "</div>";
+  for (int i = 0; i < 200; ++i) expected.insert(0, "<div>").append("</div>");
   EXPECT_EQ(converted(deep + "x"), expected);
 }
 
