@@ -34,7 +34,7 @@ std::string pictureWith(const std::string& text) {
 fs::path programPath(const std::string& name) {
   const char* path = std::getenv("PATH");
   for (const std::string_view folder : text::split(path == nullptr ? "" : path, ':')) {
-    const fs::path program = fs::path(folder) / name;
+    fs::path program = fs::path(folder) / name;
     if (access(program.c_str(), X_OK) == 0) return program;
   }
   return {};
