@@ -40,10 +40,10 @@ size_t keyOf(std::string_view line) {
   return static_cast<size_t>(found - kEditableKeys.begin());
 }
 
-// To the reader CR LF is two line ends, and the empty line between them ends a list of ranks.
-bool continuesRanks(const std::vector<BlockPart>& parts, std::string_view line) {
-  return !parts.empty() && parts.back().key == kRanksKey && !parts.back().text.ends_with("\r\n") &&
-         (line.starts_with(' ') || line.starts_with('\t'));
+// Whether an indented line behind the part would be one of its ranks. To the reader CR LF is two line
+// ends, and the empty line between them ends the list.
+bool isOpenList(const BlockPart& part) {
+  return part.key == kRanksKey && !part.text.empty() && !part.text.ends_with("\r\n");
 }
 
 // The block's parts, its opening and closing lines among them as parts without a key.
@@ -54,7 +54,8 @@ std::vector<BlockPart> partsOf(std::string_view block) {
     const std::string_view line = block.substr(start, newline.start - start);
     const bool isCRLF = block.substr(newline.start).starts_with("\r\n");
     const size_t next = newline.start + newline.length + (isCRLF ? 1 : 0);
-    if (!continuesRanks(parts, line)) parts.push_back({keyOf(line), {}});
+    const bool isRank = !parts.empty() && isOpenList(parts.back()) && isIndented(line);
+    if (!isRank) parts.push_back({keyOf(line), {}});
     parts.back().text.append(block.substr(start, next - start));
     start = next;
   }
@@ -123,7 +124,13 @@ std::string LKNoteEdit::written(const LKFileFrontMatter& changed,
     replaceKey(parts, key, std::move(text));
   }
   std::string file;
-  for (const BlockPart& part : parts) file.append(part.text);
+  bool isOpen = false;
+  for (const BlockPart& part : parts) {
+    // An indented property would become a rank of the new list; an empty line keeps it apart.
+    if (isOpen && isIndented(part.text)) file.push_back('\n');
+    file.append(part.text);
+    if (!part.text.empty()) isOpen = isOpenList(part);
+  }
   return file.append(newRawBody);
 }
 

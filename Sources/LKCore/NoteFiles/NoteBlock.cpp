@@ -101,10 +101,6 @@ const KeyReader* readerOf(std::string_view key) {
   return found == kReaders.end() ? nullptr : found;
 }
 
-bool isIndented(std::string_view line) {
-  return line.starts_with(' ') || line.starts_with('\t');
-}
-
 // Reads the lines of a block one after the other.
 class BlockReader {
  public:
@@ -231,6 +227,10 @@ NewlinePosition findNewline(std::string_view text, size_t from) {
     }
   }
   return {text.size(), 0};
+}
+
+bool isIndented(std::string_view line) {
+  return line.starts_with(' ') || line.starts_with('\t');
 }
 
 std::optional<ScannedBlock> scanBlock(std::string_view text) {

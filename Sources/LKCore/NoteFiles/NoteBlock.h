@@ -23,6 +23,9 @@ struct NewlinePosition {
 // The first newline scalar at or after byte `from`.
 NewlinePosition findNewline(std::string_view text, size_t from);
 
+// Whether the line could belong to the list above it.
+bool isIndented(std::string_view line);
+
 struct ScannedBlock {
   SalvagedFields fields;
   std::optional<std::string> title;  // never empty

@@ -10,6 +10,7 @@
 
 #include "LKCore/NoteFiles/LKContentHash.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
+#include "LKCore/NoteFiles/LKNoteEdit.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
 #include "Support/Child.h"
 #include "Support/TempFolder.h"
@@ -138,6 +139,26 @@ TEST(RewriteFile, AddsAMissingHashBehindTheLinesThatComeFirst) {
   EXPECT_EQ(readWhole(file),
             head + "title: Untitled\nlk-cursor: 3\nlk-hash: " + computeContentHash("z") +
                 "\nlk-tag-rank:\n  b: n\n  c: m\nx: y\n---\nz");
+}
+
+TEST(RewriteFile, MakesNoRankOfAPropertyBehindTheRanks) {
+  const std::string head =
+      "---\nid: 6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F\ncreated: 2026-03-14T09:26:53Z\n";
+  // With CR LF the ranks end, so the next line is a property; in the other there are none yet.
+  for (const char* lines : {"lk-tag-rank:\n  a: m\n  d: \r\n  b: o\nx: y\n", "  b: o\nx: y\n"}) {
+    const std::string file = head + lines + "---\nz";
+    const auto note = LKNoteEdit::read(file);
+    ASSERT_TRUE(note) << lines;
+    LKFileFrontMatter changed = note->frontMatter;
+    changed.tagRanks = {{"c", "m"}};
+    const std::string written = note->written(changed, note->rawBody);
+    EXPECT_NE(written.find("lk-tag-rank:\n  c: m\n\n  b: o\nx: y\n---\nz"), std::string::npos)
+        << written;
+    const auto again = LKNoteEdit::read(written);
+    ASSERT_TRUE(again) << written;
+    EXPECT_EQ(again->frontMatter.userProperties, note->frontMatter.userProperties);
+    EXPECT_EQ(again->frontMatter.tagRanks, changed.tagRanks);
+  }
 }
 
 TEST(RewriteFile, LeavesAloneWhatItCannotReadOrWrite) {
