@@ -9,6 +9,7 @@
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
+#include "LKCore/Platform/Files.h"
 #include "Tools/Numbers.h"
 
 namespace lk::test {
@@ -120,7 +121,9 @@ GeneratedNote generatedNote(size_t index, size_t count, uint64_t seed) {
   frontMatter.isFavourite = numbers.below(15) == 0;
   const std::string folder = "Area " + std::to_string(index % kAreas) + "/Part " +
                              std::to_string(index / kAreas % kParts) + "/";
-  return {folder + title + ".md", serialize(frontMatter, body.text())};
+  Instant modified = frontMatter.created;
+  modified.seconds += static_cast<int64_t>(numbers.below(7'776'000));
+  return {folder + title + ".md", serialize(frontMatter, body.text()), modified};
 }
 
 uint64_t writeGeneratedNotes(const std::filesystem::path& folder, size_t count, uint64_t seed) {
@@ -131,7 +134,9 @@ uint64_t writeGeneratedNotes(const std::filesystem::path& folder, size_t count, 
     if (index < kAreas * kParts) std::filesystem::create_directories(file.parent_path());
     std::ofstream out(file, std::ios::binary);
     out.write(note.bytes.data(), static_cast<std::streamsize>(note.bytes.size()));
-    if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
+    out.close();
+    if (!out) throw std::runtime_error("cannot write " + file.string());
+    setModified(file, note.modified);
     written += note.bytes.size();
   }
   return written;

@@ -10,11 +10,14 @@
 #include <filesystem>
 #include <string>
 
+#include "LKCore/Base/Time.h"
+
 namespace lk::test {
 
 struct GeneratedNote {
   std::string relativePath;  // "Area 7/Part 2/Quiet lantern 93.md"
   std::string bytes;         // 1 to 6 KB, 3.7 KB on average
+  Instant modified;          // up to three months after its creation
 };
 
 // A note with a block (with the ids of its tasks, a property and its hash), two to four tags, three

@@ -23,7 +23,7 @@ endfunction()
 
 lk_library(icu HEADER unicode/uchar.h FILES icui18n icuuc icudata)
 lk_library(pcre2 HEADER pcre2.h FILES pcre2-8)
-lk_library(crypto HEADER openssl/evp.h FILES crypto)
+lk_library(nettle HEADER nettle/sha2.h FILES nettle)
 lk_library(sqlite HEADER sqlite3.h FILES sqlite3)
 lk_library(cmark HEADER cmark-gfm-core-extensions.h FILES cmark-gfm-extensions cmark-gfm)
 if(LK_STATIC)

@@ -1,45 +1,27 @@
 #include "LKCore/Base/Base64.h"
 
-#include <openssl/evp.h>
-
-#include <limits>
-
-#include "LKCore/Base/Error.h"
+#include <nettle/base64.h>
 
 namespace lk {
 
-namespace {
-
-const unsigned char* raw(std::string_view text) {
-  return reinterpret_cast<const unsigned char*>(text.data());
-}
-
-int checkedLength(std::string_view text) {
-  if (text.size() > std::numeric_limits<int>::max() / 2) throw Error("Too much data for Base64.");
-  return static_cast<int>(text.size());
-}
-
-}  // namespace
-
 std::string base64Text(std::string_view bytes) {
-  std::string out((bytes.size() + 2) / 3 * 4 + 1, '\0');  // and the NUL that is written after it
-  const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out.data()), raw(bytes),
-                                     checkedLength(bytes));
-  out.resize(static_cast<size_t>(length));
-  return out;
+  std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()), '\0');
+  base64_encode_raw(text.data(), bytes.size(), reinterpret_cast<const uint8_t*>(bytes.data()));
+  return text;
 }
 
 std::optional<std::string> base64Bytes(std::string_view text) {
-  if (text.empty()) return std::string();
-  std::string out(text.size() / 4 * 3, '\0');
-  const int length =
-      EVP_DecodeBlock(reinterpret_cast<unsigned char*>(out.data()), raw(text), checkedLength(text));
-  if (length < 0) return std::nullopt;
-  const size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
-  out.resize(static_cast<size_t>(length) - padding);
+  base64_decode_ctx state;
+  base64_decode_init(&state);
+  std::string bytes(BASE64_DECODE_LENGTH(text.size()), '\0');
+  size_t size = bytes.size();
+  const bool isRead = base64_decode_update(&state, &size, reinterpret_cast<uint8_t*>(bytes.data()),
+                                           text.size(), text.data()) == 1;
+  if (!isRead || base64_decode_final(&state) != 1) return std::nullopt;
+  bytes.resize(size);
   // The decoder passes over blanks and tolerates bits that no encoder writes.
-  if (base64Text(out) != text) return std::nullopt;
-  return out;
+  if (base64Text(bytes) != text) return std::nullopt;
+  return bytes;
 }
 
 }  // namespace lk

@@ -1,50 +1,48 @@
 #include "LKCore/Base/Digest.h"
 
-#include <openssl/crypto.h>
-#include <openssl/evp.h>
+#include <nettle/sha1.h>
+#include <nettle/sha2.h>
 
 #include <algorithm>
 #include <array>
-
-#include "LKCore/Base/Error.h"
+#include <span>
 
 namespace lk {
 
 namespace {
 
-// Fetched once: a fetch for each digest would cost more than hashing a short note. The library's
-// configuration file is not read: nothing here depends on it, and it costs start-up time.
-const EVP_MD* fetch(const char* name) {
-  OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
-  return EVP_MD_fetch(nullptr, name, nullptr);
+const uint8_t* raw(std::string_view data) {
+  return reinterpret_cast<const uint8_t*>(data.data());
 }
 
-std::string digestHex(const EVP_MD* kind, std::string_view data, size_t bytes) {
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned int size = 0;
-  if (kind == nullptr ||
-      EVP_Digest(data.data(), data.size(), digest.data(), &size, kind, nullptr) != 1) {
-    throw Error("The crypto library could not compute a digest.");
-  }
+std::string hex(std::span<const uint8_t> digest, size_t bytes) {
   static constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string hex;
-  for (size_t i = 0; i < std::min<size_t>(bytes, size); ++i) {
-    hex.push_back(kDigits[digest[i] >> 4U]);
-    hex.push_back(kDigits[digest[i] & 0x0FU]);
+  std::string result;
+  for (const uint8_t byte : digest.first(std::min(bytes, digest.size()))) {
+    result.push_back(kDigits[byte >> 4U]);
+    result.push_back(kDigits[byte & 0x0FU]);
   }
-  return hex;
+  return result;
 }
 
 }  // namespace
 
 std::string sha256Hex(std::string_view data, size_t bytes) {
-  static const EVP_MD* const kind = fetch("SHA256");
-  return digestHex(kind, data, bytes);
+  sha256_ctx state;
+  sha256_init(&state);
+  sha256_update(&state, data.size(), raw(data));
+  std::array<uint8_t, SHA256_DIGEST_SIZE> digest{};
+  sha256_digest(&state, digest.size(), digest.data());
+  return hex(digest, bytes);
 }
 
 std::string sha1Hex(std::string_view data, size_t bytes) {
-  static const EVP_MD* const kind = fetch("SHA1");
-  return digestHex(kind, data, bytes);
+  sha1_ctx state;
+  sha1_init(&state);
+  sha1_update(&state, data.size(), raw(data));
+  std::array<uint8_t, SHA1_DIGEST_SIZE> digest{};
+  sha1_digest(&state, digest.size(), digest.data());
+  return hex(digest, bytes);
 }
 
 }  // namespace lk

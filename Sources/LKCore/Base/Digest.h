@@ -7,7 +7,6 @@
 namespace lk {
 
 // Digests as lower-case hex of their first `bytes` bytes (SHA-256 has 32, SHA-1 has 20).
-// They throw Error only when the crypto library itself fails.
 std::string sha256Hex(std::string_view data, size_t bytes);
 std::string sha1Hex(std::string_view data, size_t bytes);
 

@@ -32,33 +32,13 @@ struct Heading {
   std::string identifier;
 };
 
-// "&#58;" as ":", beside the references that stand for characters of HTML.
-std::string plainText(std::string_view html) {
-  std::string result;
-  while (!html.empty()) {
-    const size_t start = html.find("&#");
-    result.append(html::unescaped(html.substr(0, start)));
-    if (start == std::string_view::npos) break;
-    html.remove_prefix(start);
-    const size_t end = html.substr(0, 8).find(';');
-    int code = 0;
-    const bool isNumber = end != std::string_view::npos &&
-                          text::parseInteger(html.substr(2, end - 2), code) && code > 0 &&
-                          code < 0x80;
-    if (isNumber) result.push_back(static_cast<char>(code));
-    html.remove_prefix(isNumber ? end + 1 : 1);
-    if (!isNumber) result.push_back('&');
-  }
-  return result;
-}
-
 std::string titleBehind(std::string_view line, size_t place) {
   const size_t start = line.find('>', place) + 1;
   std::string title(line.substr(start, line.find("</h1>", start) - start));
   for (const std::string_view lineBreak : {"<br>", "<br/>", "<br />"}) {
     title = text::replacingAll(title, lineBreak, " ");
   }
-  return plainText(title);
+  return html::decoded(title);
 }
 
 std::vector<Heading> headingsOf(const std::vector<std::string_view>& lines) {

@@ -141,11 +141,10 @@ class SQLiteContext final : public LKContext {
 
   // A note and a tag of it, by their keys.
   struct Tie {
-    int64_t pk;
     int64_t note;
     int64_t tag;
   };
-  std::vector<Tie> readTies(const TableScope& scope);
+  std::vector<Tie> readTies(const TableScope& scope);  // in the order in which they were tied
   void tie(const std::vector<Tie>& ties);
 
   struct NewTies {
@@ -317,17 +316,16 @@ void SQLiteContext::link(const std::vector<StoredRow<LKTaskVersion>*>& /*tasks*/
 
 std::vector<SQLiteContext::Tie> SQLiteContext::readTies(const TableScope& scope) {
   const std::string where = scope.where.empty() ? "" : " WHERE " + scope.where;
-  Statement statement = connection_->prepared("SELECT pk, note, tag FROM noteTag" + where);
+  Statement statement =
+      connection_->prepared("SELECT note, tag FROM noteTag" + where + " ORDER BY pk");
   statement.bind(scope.values);
   std::vector<Tie> ties;
   while (statement.step()) {
     RowReader reader(statement);
     Tie& each = ties.emplace_back();
-    each.pk = reader.integer();
     each.note = reader.integer();
     each.tag = reader.integer();
   }
-  std::ranges::sort(ties, {}, &Tie::pk);  // as they were tied
   return ties;
 }
 

@@ -1,7 +1,6 @@
 // Headings as they stand in a book's HTML.
 
 #include <array>
-#include <charconv>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/PDF/LKBindPDFOutline.h"
@@ -16,36 +15,8 @@ bool isWordCharacter(char c) {
          static_cast<unsigned char>(c) >= 0x80;
 }
 
-// The character of "&#58;" or "&#x3A;" at the start; `length` is that of the reference.
-std::optional<char32_t> numericReference(std::string_view text, size_t& length) {
-  const size_t end = text.substr(0, 12).find(';');
-  if (!text.starts_with("&#") || end == std::string_view::npos) return {};
-  const bool isHex = text.size() > 2 && (text[2] == 'x' || text[2] == 'X');
-  const size_t start = isHex ? 3 : 2;
-  uint32_t code = 0;
-  const auto read = std::from_chars(text.data() + start, text.data() + end, code, isHex ? 16 : 10);
-  const bool isScalar = code > 0 && code < 0x110000 && (code < 0xD800 || code > 0xDFFF);
-  if (read.ec != std::errc() || read.ptr != text.data() + end || !isScalar) return {};
-  length = end + 1;
-  return code;
-}
-
 std::string decodedReferences(std::string_view html) {
-  std::string result;
-  while (!html.empty()) {
-    const size_t start = html.find("&#");
-    result.append(html::unescaped(html.substr(0, start)));
-    if (start == std::string_view::npos) break;
-    html.remove_prefix(start);
-    size_t length = 2;
-    if (const auto scalar = numericReference(html, length)) {
-      text::append(result, *scalar);
-    } else {
-      result.append("&#");
-    }
-    html.remove_prefix(length);
-  }
-  return text::replacingAll(result, "&nbsp;", " ");
+  return text::replacingAll(html::decoded(html), "&nbsp;", " ");
 }
 
 // On one line, without soft hyphens, single blanks between words.

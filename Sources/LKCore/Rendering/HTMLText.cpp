@@ -1,7 +1,10 @@
 #include "LKCore/Rendering/HTMLText.h"
 
 #include <array>
+#include <charconv>
 #include <utility>
+
+#include "LKCore/Base/Text.h"
 
 namespace lk::html {
 
@@ -13,6 +16,20 @@ constexpr std::array<std::pair<std::string_view, char>, 6> kReferences = {{{"&am
                                                                            {"&quot;", '"'},
                                                                            {"&#39;", '\''},
                                                                            {"&#x27;", '\''}}};
+
+// The scalar of the numeric reference at the start; `length` is that of the reference.
+std::optional<char32_t> numericReference(std::string_view text, size_t& length) {
+  const size_t end = text.substr(0, 12).find(';');
+  if (!text.starts_with("&#") || end == std::string_view::npos) return {};
+  const bool isHex = text.size() > 2 && (text[2] == 'x' || text[2] == 'X');
+  const size_t start = isHex ? 3 : 2;
+  uint32_t code = 0;
+  const auto read = std::from_chars(text.data() + start, text.data() + end, code, isHex ? 16 : 10);
+  const bool isScalar = code > 0 && code < 0x110000 && (code < 0xD800 || code > 0xDFFF);
+  if (read.ec != std::errc() || read.ptr != text.data() + end || !isScalar) return {};
+  length = end + 1;
+  return code;
+}
 
 }  // namespace
 
@@ -46,6 +63,24 @@ std::string unescaped(std::string_view text) {
       }
     }
     result.push_back(c);
+    text.remove_prefix(length);
+  }
+  return result;
+}
+
+std::string decoded(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const size_t start = text.find("&#");
+    result.append(unescaped(text.substr(0, start)));
+    if (start == std::string_view::npos) break;
+    text.remove_prefix(start);
+    size_t length = 2;
+    if (const auto scalar = numericReference(text, length)) {
+      lk::text::append(result, *scalar);
+    } else {
+      result.append("&#");
+    }
     text.remove_prefix(length);
   }
   return result;

@@ -17,6 +17,9 @@ std::string escaped(std::string_view text);
 // The reverse, and "&#x27;" too; any other reference stays.
 std::string unescaped(std::string_view text);
 
+// As unescaped, with every numeric reference ("&#58;", "&#x3A;") as its scalar.
+std::string decoded(std::string_view text);
+
 inline bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }

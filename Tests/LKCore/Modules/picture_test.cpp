@@ -43,8 +43,12 @@ TEST(VectorPicture, SeesNothingButItself) {
   };
   const std::string empty = drawnSmall(svgWith(""));
   ASSERT_NE(empty, red);
-  // The way to a picture is open, but for files and addresses.
-  EXPECT_EQ(drawnSmall(image("data:image/png;base64," + base64Text(red))), red);
+  // The way to a picture is open, but for files and addresses, and its colours stay.
+  const std::string half =
+      drawnSmall(svgWith("<rect width='6' height='9' fill='#36c' opacity='.5'/>"));
+  for (const std::string& png : {red, half}) {
+    EXPECT_EQ(drawnSmall(image("data:image/png;base64," + base64Text(png))), png);
+  }
 
   const std::string entity = "<!DOCTYPE svg [<!ENTITY s SYSTEM \"file://" + place + "/secret\">]>";
   const std::string black = drawnSmall(svgWith("<rect width='10' height='10'/>"));
