@@ -70,9 +70,8 @@ std::optional<Pattern::Match> Pattern::find(std::string_view text, size_t from) 
   return match;
 }
 
-std::vector<Pattern::Match> Pattern::findAll(std::string_view text) const {
+std::vector<Pattern::Match> Pattern::findAll(std::string_view text, size_t from) const {
   std::vector<Match> matches;
-  size_t from = 0;
   while (from <= text.size()) {
     std::optional<Match> match = find(text, from);
     if (!match) break;

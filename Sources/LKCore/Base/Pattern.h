@@ -41,8 +41,9 @@ class Pattern {
   // that exceeds the engine's limits counts as no match.
   std::optional<Match> find(std::string_view text, size_t from = 0) const;
 
-  // Every match, left to right, without overlap; an empty match advances by one scalar.
-  std::vector<Match> findAll(std::string_view text) const;
+  // Every match at or after byte `from`, left to right, without overlap; an empty match advances by
+  // one scalar.
+  std::vector<Match> findAll(std::string_view text, size_t from = 0) const;
 
   bool matches(std::string_view text) const { return find(text).has_value(); }
 

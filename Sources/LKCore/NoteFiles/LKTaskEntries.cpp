@@ -22,7 +22,8 @@ constexpr size_t kHashLength = 8;
 constexpr std::array<std::string_view, 4> kCheckboxes = {"- [ ] ", "- [/] ", "- [x] ", "- [-] "};
 
 std::string_view withoutIndentation(std::string_view line) {
-  return line.substr(std::min(line.find_first_not_of(" \t"), line.size()));
+  while (!line.empty() && (line.front() == ' ' || line.front() == '\t')) line.remove_prefix(1);
+  return line;
 }
 
 std::string_view withoutCheckbox(std::string_view line) {
@@ -35,28 +36,45 @@ std::string_view withoutCheckbox(std::string_view line) {
 
 // --- The words that do not count -----------------------------------------------------------------
 
+struct WordPattern {
+  Pattern pattern;
+  size_t longestKey;  // in UTF-8 bytes
+};
+
 // A pattern for `key:value` words, without the blanks before them: those are taken by
 // `withoutWords`, since a pattern that begins with a run of blanks takes quadratic time on a long
 // run. Nothing when the keywords make no pattern.
-std::optional<Pattern> wordPattern(const std::vector<std::string>& projectKeywords,
-                                   bool stripContext) {
+std::optional<WordPattern> wordPattern(const std::vector<std::string>& projectKeywords,
+                                       bool stripContext) {
   std::string keys = "due|done|priority|id";
+  size_t longestKey = std::string_view("priority").size();
   if (stripContext) keys.append("|context");
   for (const std::string& keyword : projectKeywords) {
     if (!keyword.empty()) keys.append("|").append(Pattern::escaped(keyword));
+    longestKey = std::max(longestKey, keyword.size());
   }
   try {
-    return Pattern("\\b(?:" + keys + "):\\S+", Pattern::Case::insensitive);
+    return WordPattern{Pattern("\\b(?:" + keys + "):\\S+", Pattern::Case::insensitive), longestKey};
   } catch (const PatternError&) {
     return std::nullopt;
   }
 }
 
-std::string withoutWords(std::string_view line, const std::optional<Pattern>& words) {
-  if (!words || line.find(':') == std::string_view::npos) return std::string(line);
+// Where the first word can begin, given its first colon: letters of another case have at most three
+// times as many bytes.
+size_t firstPlace(std::string_view line, size_t colon, size_t longestKey) {
+  size_t place = colon - std::min(colon, 3 * longestKey);
+  while (place > 0 && (static_cast<uint8_t>(line[place]) & 0xC0U) == 0x80U) --place;
+  return place;
+}
+
+std::string withoutWords(std::string_view line, const std::optional<WordPattern>& words) {
+  const size_t colon = line.find(':');
+  if (!words || colon == std::string_view::npos) return std::string(line);
   std::string result;
   size_t from = 0;
-  for (const Pattern::Match& match : words->findAll(line)) {
+  const size_t first = firstPlace(line, colon, words->longestKey);
+  for (const Pattern::Match& match : words->pattern.findAll(line, first)) {
     size_t start = match[0]->start;
     while (start > from) {
       const text::Decoded before = text::decodeBefore(line, start);
@@ -124,8 +142,8 @@ class TaskWords {
 
  private:
   std::vector<std::string> keywords_;
-  std::optional<Pattern> withContext_;
-  std::optional<Pattern> withoutContext_;
+  std::optional<WordPattern> withContext_;
+  std::optional<WordPattern> withoutContext_;
 };
 
 // The words of the last set of keywords asked for: it changes when the user renames projects.
@@ -158,7 +176,9 @@ class UnusedEntries {
       if (!entry.hash || entry.hash->empty()) {
         byIndex_.emplace(entry.paragraphIndex, i);
       } else if (entry.hash->size() >= kBucketPrefix) {
-        byHash_[std::string_view(*entry.hash).substr(0, kHashLength)].entries.push_back(i);
+        const std::string_view hash = std::string_view(*entry.hash).substr(0, kHashLength);
+        hasLength_[hash.size()] = true;
+        byHash_[hash].entries.push_back(i);
       }
     }
   }
@@ -168,6 +188,7 @@ class UnusedEntries {
     Queue* best = nullptr;
     const auto consider = [&](std::string_view hash) {
       for (size_t length = kBucketPrefix; length <= std::min(hash.size(), kHashLength); ++length) {
+        if (!hasLength_[length]) continue;
         const auto found = byHash_.find(hash.substr(0, length));
         if (found == byHash_.end() || found->second.isEmpty()) continue;
         if (best == nullptr || found->second.first() < best->first()) best = &found->second;
@@ -195,6 +216,7 @@ class UnusedEntries {
   };
 
   std::unordered_map<std::string_view, Queue> byHash_;
+  std::array<bool, kHashLength + 1> hasLength_{};  // of the hashes, in bytes
   std::unordered_map<int, size_t> byIndex_;
 };
 

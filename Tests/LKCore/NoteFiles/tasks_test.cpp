@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
 
 namespace lk {
@@ -17,7 +18,7 @@ struct CanonicalCase {
 class CanonicalText : public testing::TestWithParam<CanonicalCase> {};
 
 TEST_P(CanonicalText, KeepsWhatTheTaskSays) {
-  const std::vector<std::string> keywords = {"bed (raised)", "project"};
+  const std::vector<std::string> keywords = {"bed (raised)", "project", std::string(20, 'k')};
   EXPECT_EQ(canonicalTaskText(GetParam().line, keywords, true), GetParam().stripped);
   EXPECT_EQ(canonicalTaskText(GetParam().line, keywords, false), GetParam().withContext);
 }
@@ -34,6 +35,10 @@ INSTANTIATE_TEST_SUITE_P(
         CanonicalCase{"keywords", "- [-] Rake project:a bed (raised):b", "Rake", "Rake"},
         CanonicalCase{"word_boundary", "- [ ] overdue:1 \u00E9due:2 (due:3)",
                       "overdue:1 \u00E9due:2 (", "overdue:1 \u00E9due:2 ("},
+        CanonicalCase{
+            "letters_of_three_bytes",
+            "- [ ] Rake " + text::replacingAll(std::string(20, 'k'), "k", "\u212A") + ":a", "Rake",
+            "Rake"},
         CanonicalCase{"no_value", "- [ ] Rake due: 1", "Rake due: 1", "Rake due: 1"},
         CanonicalCase{"wide_blanks", "- [ ] Rake\u3000\u00A0due:1\u00A0b", "Rake\u00A0b",
                       "Rake\u00A0b"}),
