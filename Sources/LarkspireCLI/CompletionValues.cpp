@@ -115,7 +115,7 @@ std::set<std::string> offeredTags() {
 }
 
 std::set<std::string> offeredProjectsOrContexts(Completion kind) {
-  CacheReader cache(LKParts::tags | LKParts::tasks);
+  CacheReader cache(LKParts::tags | LKParts::taskLines);
   LKContext* index = cache.container();
   if (index == nullptr) return {};
   const StoreIndexFacts facts(*index);

@@ -4,7 +4,7 @@ namespace lk {
 
 StoreIndexFacts::StoreIndexFacts(LKContext& context) {
   const auto rows =
-      context.notes().fetch({.where = notTrashed(), .parts = LKParts::tags | LKParts::tasks});
+      context.notes().fetch({.where = notTrashed(), .parts = LKParts::tags | LKParts::taskLines});
   for (const LKNote* note : rows) {
     add(*note);
     for (const LKTask* task : note->tasks) add(*task);

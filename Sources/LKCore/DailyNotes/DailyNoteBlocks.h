@@ -37,7 +37,7 @@ inline constexpr std::array<std::string_view, 2> taskBlockHeadings = {"## Overdu
 inline constexpr std::string_view activityBlockHeading = "## Activity";
 
 // What the rows of tasks must come with.
-inline constexpr LKParts taskSectionParts = LKParts::text | LKParts::tasks;
+inline constexpr LKParts taskSectionParts = LKParts::text | LKParts::taskLines;
 
 // --- Texts ---------------------------------------------------------------------------------------
 

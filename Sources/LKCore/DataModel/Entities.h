@@ -136,14 +136,15 @@ void setNoteVersion(LKTaskVersion& task, LKNoteVersion* version);
 
 // Columns and relations of a note that cost something to have; a set of them.
 enum class LKParts : uint32_t {
-  none = 0,          // names, dates, flags, properties, ranks, size, URL: always there
-  text = 1U << 0,    // `text`
-  tags = 1U << 1,    // `tags`, the task counters and `imageAttachments`
-  tasks = 1U << 2,   // `tasks`
-  links = 1U << 3,   // `backLinks`
-  words = 1U << 4,   // `lineCount`
-  hashes = 1U << 5,  // `contentHash` and `fileDigest`
-  all = (1U << 6) - 1,
+  none = 0,                      // names, dates, flags, properties, ranks, size, URL: always there
+  text = 1U << 0,                // `text`
+  tags = 1U << 1,                // `tags`, the task counters and `imageAttachments`
+  taskLines = 1U << 2,           // `tasks`, which may lack their ids
+  tasks = taskLines | 1U << 3U,  // `tasks`
+  links = 1U << 4,               // `backLinks`
+  words = 1U << 5,               // `lineCount`
+  hashes = 1U << 6,              // `contentHash` and `fileDigest`
+  all = (1U << 7) - 1,
 };
 
 constexpr LKParts operator|(LKParts a, LKParts b) {

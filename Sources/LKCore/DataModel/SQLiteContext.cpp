@@ -198,7 +198,7 @@ TableScope scopeOfKeys(const std::string& column, const std::vector<int64_t>& ke
 
 void SQLiteContext::link(const std::vector<StoredNote*>& notes, LKParts parts, bool isWhole) {
   if (hasParts(parts, LKParts::tags)) linkTags(notes, isWhole);
-  if (hasParts(parts, LKParts::tasks)) linkOwned(tasks_.rows, notes, LKParts::tasks, isWhole);
+  if (hasParts(parts, LKParts::taskLines)) linkOwned(tasks_.rows, notes, LKParts::tasks, isWhole);
   if (hasParts(parts, LKParts::links)) linkOwned(backLinks_.rows, notes, LKParts::links, isWhole);
 }
 

@@ -192,7 +192,7 @@ void IndexBuild::addFile(const std::string& path, const FolderReader::File& file
   LKNote& note = context_.notes().insert(rowOf(path, file, source));
   if (source.hasBlock) winners_[id] = {&note, nameOf(path)};
   if (wants(LKParts::words)) updateBodyDerivedCounters(note, source.body);
-  const bool isExtracted = wants(LKParts::tags) || wants(LKParts::tasks) || wants(LKParts::links);
+  const bool isExtracted = wants(LKParts::tags) || wants(LKParts::taskLines) || wants(LKParts::links);
   if (isExtracted) addExtracted(note, source);
   if (wants(LKParts::text)) note.text = std::move(source.body);
 }
@@ -236,7 +236,7 @@ LKNote IndexBuild::rowOf(const std::string& path, const FolderReader::File& file
 
 void IndexBuild::addExtracted(LKNote& note, const NoteSource& source) {
   ExtractionResult found = LKTagExtractor::extract(source.body, attachments_, now_, terms_);
-  if (wants(LKParts::tasks)) addTasks(note, source, found);
+  if (wants(LKParts::taskLines)) addTasks(note, source, found);
   if (wants(LKParts::links)) addLinks(note, source.body, found);
   if (wants(LKParts::tags)) addTags(note, found);
 }
@@ -252,8 +252,10 @@ void IndexBuild::addTags(LKNote& note, ExtractionResult& found) {
 
 void IndexBuild::addTasks(LKNote& note, const NoteSource& source, const ExtractionResult& found) {
   if (found.tasks.empty()) return;
+  const bool haveIDs = wants(LKParts::tasks);
   const std::vector<TaskEntry> entries =
-      deriveTaskEntries(source.body, source.frontMatter.taskEntries);
+      haveIDs ? deriveTaskEntries(source.body, source.frontMatter.taskEntries)
+              : std::vector<TaskEntry>();
   const std::vector<std::string_view> tags(found.tags.begin(), found.tags.end());
   const auto inherited = LKTaskCacheSync::inheritableProject(tags, *terms_);
   auto entry = entries.begin();  // both lists are in the order of the lines
@@ -261,7 +263,7 @@ void IndexBuild::addTasks(LKNote& note, const NoteSource& source, const Extracti
     while (entry != entries.end() && entry->paragraphIndex < info.paragraphIndex) ++entry;
     const bool isKnown = entry != entries.end() && entry->paragraphIndex == info.paragraphIndex;
     LKTask task;
-    task.id = isKnown ? entry->id : ids_.next();
+    if (haveIDs) task.id = isKnown ? entry->id : ids_.next();
     LKTaskCacheSync::populate(task, info, inherited);
     setNote(context_.tasks().insert(std::move(task)), &note);
   }

@@ -280,13 +280,14 @@ std::vector<LKNote*> execute(const LKSavedQuery& query, const std::vector<LKNote
 }
 
 LKParts partsNeeded(const LKSavedQuery& query) {
-  LKParts parts = query.taskGroup && !query.taskGroup->isEmpty() ? LKParts::tasks : LKParts::none;
+  LKParts parts =
+      query.taskGroup && !query.taskGroup->isEmpty() ? LKParts::taskLines : LKParts::none;
   for (const LKQueryRule& rule : query.rules) {
     if (rule.field == LKQueryRule::Field::content) parts = parts | LKParts::text;
     if (rule.field == LKQueryRule::Field::tag || rule.field == LKQueryRule::Field::hasTasks) {
       parts = parts | LKParts::tags;
     }
-    if (isTaskScoped(rule.field)) parts = parts | LKParts::tasks;
+    if (isTaskScoped(rule.field)) parts = parts | LKParts::taskLines;
   }
   return parts;
 }

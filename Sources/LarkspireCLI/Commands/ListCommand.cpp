@@ -119,7 +119,7 @@ void ListCommand::run() {
   const std::filesystem::path collection = resolvedCollection(options.collection, options.quiet);
   const NoteFilter filter(*this);
   const auto most = countArgument("--limit", limit);
-  CacheReader cache(hasOverdue ? LKParts::tags | LKParts::tasks : LKParts::tags);
+  CacheReader cache(hasOverdue ? LKParts::tags | LKParts::taskLines : LKParts::tags);
   std::deque<LKNote> scanned;
   std::vector<LKNote*> notes;
   if (cache.container() != nullptr) {

@@ -42,7 +42,7 @@ std::vector<LKTask*> tasksToGroup(const GlobalOptions& options, CacheReader& cac
 void TasksProjectsCommand::declare(ArgumentList& /*arguments*/) {}
 
 void TasksProjectsCommand::run() {
-  CacheReader cache(LKParts::tasks);
+  CacheReader cache(LKParts::taskLines);
   const auto tasks = tasksToGroup(options, cache, "Project");
   printLine(formatTaskGroups(taskGroups(tasks, projectGroups, Instant::now()), "project",
                              "No projects found.", options.json, Terminal::ofStandardOutput()));
@@ -51,7 +51,7 @@ void TasksProjectsCommand::run() {
 void TasksContextsCommand::declare(ArgumentList& /*arguments*/) {}
 
 void TasksContextsCommand::run() {
-  CacheReader cache(LKParts::tasks);
+  CacheReader cache(LKParts::taskLines);
   const auto tasks = tasksToGroup(options, cache, "Context");
   printLine(formatTaskGroups(taskGroups(tasks, contextGroups, Instant::now()), "context",
                              "No contexts found.", options.json, Terminal::ofStandardOutput()));

@@ -116,7 +116,7 @@ void TasksListCommand::declare(ArgumentList& arguments) {
 void TasksListCommand::run() {
   resolvedCollection(options.collection, options.quiet);
   const TaskListFilter filter(*this);
-  CacheReader cache(LKParts::tasks);
+  CacheReader cache(options.json ? LKParts::tasks : LKParts::taskLines);  // only JSON tells ids
   if (cache.container() == nullptr) {
     throw CLIError::general(
         "Task queries need an index, and lk couldn't build one from the note files.");

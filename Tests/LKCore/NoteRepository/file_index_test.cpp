@@ -250,6 +250,23 @@ TEST(FileIndex, WorksOutEachPartAloneAsWithAllOthers) {
   }
 }
 
+TEST(FileIndex, GivesTaskLinesWithoutIDs) {
+  const test::TempFolder folder(test::memoryFolder());
+  test::writeGeneratedNotes(folder.path(), 3, 7);
+  const auto all = LKFileIndex::build(folder.path());
+  const auto lines = LKFileIndex::build(folder.path(), LKParts::taskLines);
+  const auto whole = all->tasks().fetch();
+  const auto rows = lines->tasks().fetch({.parts = LKParts::taskLines});
+  ASSERT_EQ(rows.size(), 9U);
+  for (size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(rows[i]->text, whole[i]->text);
+    EXPECT_EQ(rows[i]->dateDue, whole[i]->dateDue);
+    EXPECT_EQ(rows[i]->note->title, whole[i]->note->title);
+    EXPECT_EQ(rows[i]->id, UUID());
+    EXPECT_NE(whole[i]->id, UUID());
+  }
+}
+
 TEST(GeneratedNotes, AreTheSameForTheSameSeed) {
   const std::string bytes = test::generatedNote(5, 9, 3).bytes;
   EXPECT_EQ(bytes, test::generatedNote(5, 9, 3).bytes);
