@@ -89,10 +89,11 @@ std::optional<Request> groupRequest(const CommandPath& path, const Command& grou
   return CompletionRequest{*shell};
 }
 
-// `lk help tasks add`
+// `lk help tasks add`. As behind --help, options change nothing: whoever puts "help" into a line at
+// hand wants to read about its command.
 Request helpFor(Words::const_iterator next, Words::const_iterator end) {
   CommandPath path = {&LK::configuration()};
-  for (; next != end; ++next) {
+  for (; next != end && !next->starts_with('-'); ++next) {
     const CommandConfiguration* command = path.back()->subcommand(*next);
     if (command == nullptr) refuseWord(path, *next);
     path.push_back(command);

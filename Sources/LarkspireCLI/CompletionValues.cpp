@@ -138,7 +138,10 @@ std::set<std::string> offeredProperties(const fs::path& collection) {
 
 std::set<std::string> offeredQueries(const fs::path& collection) {
   std::set<std::string> names;
-  for (const LKSavedQuery& each : LKQueryStore(collection).loadAll()) names.insert(each.name);
+  const LKQueryStore store(collection);  // completing a word changes no file
+  for (const LKSavedQuery& each : store.loadAll({}, LKQueryStore::OldFolder::left)) {
+    names.insert(each.name);
+  }
   return names;
 }
 

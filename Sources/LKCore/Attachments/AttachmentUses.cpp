@@ -17,6 +17,23 @@ unsigned char byteOf(std::string_view text, size_t at) {
   return static_cast<unsigned char>(text[at]);
 }
 
+bool isEscapable(char c) {
+  static constexpr std::string_view kEscapable = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
+  return kEscapable.find(c) != std::string_view::npos;
+}
+
+// As Markdown reads a reference: without the backslashes that escape, and "&" for "&amp;".
+std::string withoutEscapes(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    const bool escapes = text[i] == '\\' && i + 1 < text.size() && isEscapable(text[i + 1]);
+    if (escapes) ++i;
+    result.push_back(text[i]);
+  }
+  return text::replacingAll(result, "&amp;", "&");
+}
+
 }  // namespace
 
 AttachmentUses::AttachmentUses(const std::vector<std::string>& names) : count_(names.size()) {
@@ -39,13 +56,20 @@ size_t AttachmentUses::startKey(std::string_view text, size_t at) const {
 
 std::vector<size_t> AttachmentUses::in(std::string_view text) const {
   std::vector<bool> isUsed(count_);
-  findInBothForms(text, isUsed);
-  if (text.find('%') != std::string_view::npos) findInBothForms(percentDecoded(text), isUsed);
+  findDecoded(text, isUsed);
+  if (text.find('\\') != std::string_view::npos || text.find("&amp;") != std::string_view::npos) {
+    findDecoded(withoutEscapes(text), isUsed);
+  }
   std::vector<size_t> used;
   for (size_t i = 0; i < count_; ++i) {
     if (isUsed[i]) used.push_back(i);
   }
   return used;
+}
+
+void AttachmentUses::findDecoded(std::string_view text, std::vector<bool>& isUsed) const {
+  findInBothForms(text, isUsed);
+  if (text.find('%') != std::string_view::npos) findInBothForms(percentDecoded(text), isUsed);
 }
 
 void AttachmentUses::findInBothForms(std::string_view text, std::vector<bool>& isUsed) const {

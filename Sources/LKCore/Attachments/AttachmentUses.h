@@ -1,9 +1,10 @@
 #pragma once
 
 // Which of many attachments a text uses. The rule is plain: the text holds the file's name, as it
-// is or percent-encoded, anywhere. It errs on the side of keeping files: of the text as it stands
-// and of the text with every "%20" decoded, the bytes and the composed form both count, so that an
-// accent may be written in either of its two ways.
+// is, percent-encoded or with the escapes of Markdown, anywhere. It errs on the side of keeping
+// files: of the text as it stands, of the text with every "%20" decoded, and of both without "\("
+// and "&amp;", the bytes and the composed form all count, so that an accent may be written in
+// either of its two ways.
 //
 //     const AttachmentUses uses({"bed.png", "Garden plan.pdf"});
 //     uses.in("See [the plan](.attachments/Garden%20plan.pdf)")    // {1}
@@ -37,6 +38,8 @@ class AttachmentUses {
   static constexpr size_t kStarts = size_t{1} << 16U;
 
   size_t startKey(std::string_view text, size_t at) const;
+  // In the text, and in the text percent-decoded.
+  void findDecoded(std::string_view text, std::vector<bool>& isUsed) const;
   void findInBothForms(std::string_view text, std::vector<bool>& isUsed) const;
   void find(std::string_view text, std::vector<bool>& isUsed) const;
   void findAt(std::string_view text, size_t at, std::vector<bool>& isUsed) const;

@@ -1,6 +1,9 @@
 #include "LKCore/Bind/BookPieces.h"
 
 #include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "LKCore/Base/Text.h"
@@ -35,22 +38,90 @@ struct NotesByPlace {
   }
 };
 
-// The body so that it ends with its note: an open fence is closed, and a comment that never ends,
-// which would hide all that follows, shows.
+// HTML that goes on over empty lines, up to its end; both in lower case.
+struct LongHTML {
+  std::string_view start;
+  std::string_view end;
+};
+
+constexpr std::array<LongHTML, 6> kLongHTML = {{{"<!--", "-->"},
+                                                {"<![cdata[", "]]>"},
+                                                {"<?", "?>"},
+                                                {"<pre>", "</pre>"},
+                                                {"<pre ", "</pre>"},
+                                                {"<pre\n", "</pre>"}}};
+
+// Tells where such HTML begins that nothing in the body ends.
+class EndlessHTML {
+ public:
+  explicit EndlessHTML(std::string_view body) {
+    for (size_t i = 0; i < kLongHTML.size(); ++i) lastEnds_[i] = lastPlace(body, kLongHTML[i].end);
+  }
+
+  // `place` is where the text begins in the body.
+  bool beginsWith(std::string_view text, size_t place) const {
+    if (!text.starts_with('<')) return false;
+    const std::string start = text::lowercased(text.substr(0, kLongestStart)) + "\n";
+    for (size_t i = 0; i < kLongHTML.size(); ++i) {
+      if (start.starts_with(kLongHTML[i].start)) return place >= lastEnds_[i];
+    }
+    return false;
+  }
+
+ private:
+  static constexpr size_t kLongestStart = 9;
+
+  // 0 without one.
+  static size_t lastPlace(std::string_view body, std::string_view end) {
+    const auto isSame = [](char inBody, char lower) {
+      return inBody == lower || (inBody >= 'A' && inBody <= 'Z' && inBody + ('a' - 'A') == lower);
+    };
+    const auto found = std::ranges::find_end(body, end, isSame);
+    return found.empty() ? 0 : static_cast<size_t>(found.begin() - body.begin());
+  }
+
+  std::array<size_t, kLongHTML.size()> lastEnds_{};
+};
+
+std::string_view indentOf(std::string_view line) {
+  return line.substr(0, std::min(line.find_first_not_of(" \t"), line.size()));
+}
+
+// Both lines of a fence as far in as the one that is less so. Where they differ, the Markdown reader
+// takes the closing line for an opening one, and all notes behind it for code.
+void levelFences(std::vector<std::string_view>& lines) {
+  CodeFenceWalk fences;
+  std::string_view* opening = nullptr;
+  for (std::string_view& line : lines) {
+    const CodeFenceWalk::Line kind = fences.take(line);
+    if (kind == CodeFenceWalk::Line::opening) opening = &line;
+    if (kind != CodeFenceWalk::Line::closing || opening == nullptr) continue;
+    const std::string_view first = indentOf(*opening);
+    const std::string_view last = indentOf(line);
+    const auto common = static_cast<size_t>(std::ranges::mismatch(first, last).in1 - first.begin());
+    opening->remove_prefix(first.size() - common);
+    line.remove_prefix(last.size() - common);
+  }
+  // The closing line that it gets is not indented.
+  if (opening != nullptr && fences.closingLine()) opening->remove_prefix(indentOf(*opening).size());
+}
+
+// The body so that it ends with its note: an open fence is closed, and HTML that never ends, which
+// would take in all that follows, shows.
 std::string sealed(std::string_view body) {
-  const size_t lastEnd = body.rfind("-->");
+  const EndlessHTML endless(body);
   std::string result;
   result.reserve(body.size() + 8);
+  std::vector<std::string_view> lines = text::split(body, '\n');
+  levelFences(lines);
   CodeFenceWalk fences;
-  size_t offset = 0;
-  for (const std::string_view line : text::split(body, '\n')) {
+  for (const std::string_view line : lines) {
+    const auto offset = static_cast<size_t>(line.data() - body.data());
     const bool isOutside = fences.take(line) == CodeFenceWalk::Line::outside;
     const size_t mark = std::min(line.find_first_not_of(' '), line.size());
-    const bool mayEnd = lastEnd != std::string_view::npos && offset + mark < lastEnd;
-    const bool neverEnds = isOutside && !mayEnd && line.substr(mark).starts_with("<!--");
+    const bool neverEnds = isOutside && endless.beginsWith(line.substr(mark), offset + mark);
     result.append(line.substr(0, mark)).append(neverEnds ? "&lt;" : "");
     result.append(line.substr(mark + (neverEnds ? 1 : 0))).push_back('\n');
-    offset += line.size() + 1;
   }
   result.pop_back();  // the last line's end was not there
   const auto closing = fences.closingLine();

@@ -7,8 +7,9 @@
 //     // a chapter "Chapter 1\nDawn" with the body "It was early.", on a new page
 //
 // Title pages and front matter come first, then the book, then end matter; LKBindAssembler.h tells
-// how a book note is taken apart. A body ends with its note: an open fence is closed, a comment that
-// never ends shows, and a footnote's label means one definition in the whole book. Pure; linear.
+// how a book note is taken apart. A body ends with its note: an open fence is closed, a comment or
+// "<pre>" that never ends shows, and a footnote's label means one definition in the whole book. Pure;
+// linear.
 
 #include <string>
 #include <vector>

@@ -112,6 +112,14 @@ size_t codeSpanEnd(std::string_view line, size_t start) {
   return inside;
 }
 
+// Where the tag of HTML at `start` ends, in which "#" begins a place or a colour; else behind "<".
+size_t elementTagEnd(std::string_view line, size_t start) {
+  const size_t name = start + (line.substr(start).starts_with("</") ? 2 : 1);
+  const size_t end = line.find_first_of("<>", start + 1);
+  const bool isTag = name < line.size() && isASCIILetter(line[name]) && end != line.npos;
+  return isTag && line[end] == '>' ? end + 1 : start + 1;
+}
+
 bool beginsTag(std::string_view line, size_t sign) {
   if (sign + 1 >= line.size() || !isASCIILetter(line[sign + 1])) return false;
   if (sign == 0) return true;
@@ -123,10 +131,12 @@ bool beginsTag(std::string_view line, size_t sign) {
 
 void appendWithoutTags(std::string& result, std::string_view line) {
   size_t copied = 0;
-  for (size_t i = line.find_first_of("#`"); i != std::string_view::npos;
-       i = line.find_first_of("#`", i)) {
+  for (size_t i = line.find_first_of("#`<"); i != std::string_view::npos;
+       i = line.find_first_of("#`<", i)) {
     if (line[i] == '`') {
       i = codeSpanEnd(line, i);
+    } else if (line[i] == '<') {
+      i = elementTagEnd(line, i);
     } else if (!beginsTag(line, i)) {
       ++i;
     } else {

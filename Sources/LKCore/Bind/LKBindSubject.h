@@ -13,6 +13,7 @@ struct LKBindSubject {
   std::string author = {};   // empty: unknown
   Instant date = {};
   std::string locale = {};  // "de_DE"; empty: the user's for dates and numbers in words
+  bool isTitled = false;    // the name is a title, to be shown letter by letter
 
   // The values that tokens have all over the book.
   LKBindTokenContext tokens() const {
@@ -21,6 +22,7 @@ struct LKBindSubject {
     context.author = author;
     context.date = date;
     context.locale = locale;
+    context.isTitled = isTitled;
     return context;
   }
 

@@ -37,6 +37,7 @@ std::string tagLeaf(std::string_view tag) {
 }
 
 std::string tagDisplayName(const LKBindTokenContext& context) {
+  if (context.isTitled) return context.tagName;
   std::string name = tagLeaf(context.tagName);
   for (char& c : name) {
     if (c == '-' || c == '_') c = ' ';

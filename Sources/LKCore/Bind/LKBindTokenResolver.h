@@ -28,6 +28,7 @@ struct LKBindTokenContext {
   Instant date;
   std::string locale;  // "de_DE"; empty for the user's
   std::optional<int64_t> wordcount;
+  bool isTitled = false;  // `tagName` is a book note's title: {tag_display_name} is just that
 };
 
 namespace LKBindTokenResolver {

@@ -348,7 +348,10 @@ void appendMarkdownRuns(std::string& xml, std::string_view line, const RunFormat
 std::string plainText(std::string_view line) {
   std::string words;
   for (const MarkdownInline& part : markdownInlines(dialectAsHTML(line, nullptr))) {
-    if (part.kind == MarkdownInline::Kind::lineBreak) words.push_back(' ');
+    const bool isHTML = part.kind == MarkdownInline::Kind::html;
+    const auto tag = isHTML ? inlineTag(part.text) : std::nullopt;
+    const bool breaks = part.kind == MarkdownInline::Kind::lineBreak || (tag && tag->name == "br");
+    if (breaks) words.push_back(' ');
     if (part.kind == MarkdownInline::Kind::text || part.kind == MarkdownInline::Kind::code) {
       words.append(part.text);
     }

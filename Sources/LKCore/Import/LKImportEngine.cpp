@@ -94,6 +94,10 @@ template <typename Work>
 ItemResult guarded(const fs::path& url, Work work) {
   try {
     return work();
+  } catch (const FileError& error) {  // what cannot be read is an ImportRefusal
+    ItemResult result = failed(url, error.description());
+    result.unwritten = {1, error.description()};
+    return result;
   } catch (const Error& error) {
     return failed(url, error.description());
   }
@@ -110,12 +114,26 @@ fs::path textOfBundle(const fs::path& bundle) {
   if (fs::is_symlink(fs::symlink_status(bundle, error))) {
     throw ImportRefusal(kBundleReasons.unreadable);
   }
-  for (const char* name : {"text.markdown", "text.md", "text.txt", "text.text"}) {
-    if (nameIsTaken(bundle / name)) return bundle / name;
+  try {
+    for (const char* name : {"text.markdown", "text.md", "text.txt", "text.text"}) {
+      if (nameIsTaken(bundle / name)) return bundle / name;
+    }
+  } catch (const FileError&) {
+    throw ImportRefusal(kBundleReasons.unreadable);
   }
   throw ImportRefusal(
       "No text file found (expected text.markdown, text.md, text.txt, or "
       "text.text)");
+}
+
+// Where a link that has begun before the text ends: a name may hold pairs of parentheses.
+size_t closingParenthesis(std::string_view text) {
+  size_t open = 0;
+  for (size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '(') ++open;
+    if (text[at] == ')' && open-- == 0) return at;
+  }
+  return std::string_view::npos;
 }
 
 // The assets of one bundle on their way into the collection.
@@ -201,16 +219,20 @@ std::string BundleAssets::linked(std::string_view body) const {
   size_t longest = 0;
   for (const auto& [asset, name] : stored_) longest = std::max(longest, 9 * asset.size());
   std::string result;
-  NextOf closing(body, ')');
   size_t copied = 0;
   for (size_t at = body.find(kLink); at != std::string_view::npos; at = body.find(kLink, at + 1)) {
     if (at < copied) continue;  // inside the link before
     const size_t start = at + kLink.size();
-    const size_t end = closing.from(start);
-    if (end == std::string_view::npos) break;
-    const std::string_view inside = body.substr(start, std::min(end - start, longest + 1));
-    const std::string_view reference = inside.substr(0, inside.find(" \""));  // a title may follow
-    const std::string* const name = reference.size() > longest ? nullptr : storedFor(reference);
+    const std::string_view inside = body.substr(start, longest + 1);
+    const size_t title = inside.find(" \"");  // one may follow
+    const std::string_view untitled = inside.substr(0, title);
+    std::string_view reference;
+    const std::string* name = nullptr;
+    for (const size_t end : {closingParenthesis(untitled), untitled.find(')')}) {
+      if (name != nullptr || std::min(end, title) == std::string_view::npos) continue;
+      reference = untitled.substr(0, end);
+      name = storedFor(reference);
+    }
     if (name == nullptr) continue;
     result.append(body.substr(copied, at + 2 - copied)).append(attachmentReference(*name));
     copied = start + reference.size();
@@ -327,6 +349,7 @@ ImportBatchResult performImport(const std::vector<fs::path>& sourceURLs,
   for (size_t i = 0; i < items.size(); ++i) {
     ItemResult item = importItem(items[i], importContext, options);
     ++(item.success ? result.importedCount : result.skippedCount);
+    result.unwritten.add(item.unwritten);
     std::ranges::move(item.problems, std::back_inserter(result.errors));
     if (progress) progress(i + 1, items.size());
   }

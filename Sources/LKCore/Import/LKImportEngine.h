@@ -60,9 +60,22 @@ struct ImportOptions {
   std::optional<std::string> inlineTagPrefix = {};  // e.g. "imported/"
 };
 
+// The notes that could be read and that the collection did not take: the disk is full, say.
+struct UnwrittenNotes {
+  size_t count = 0;
+  std::string firstReason = {};
+
+  void add(const UnwrittenNotes& more) {
+    if (count == 0) firstReason = more.firstReason;
+    count += more.count;
+  }
+  bool operator==(const UnwrittenNotes&) const = default;
+};
+
 struct ImportBatchResult {
   size_t importedCount = 0;
   size_t skippedCount = 0;
+  UnwrittenNotes unwritten;           // among the skipped
   std::vector<ImportProblem> errors;  // of what was skipped, and of attachments left behind
 
   bool operator==(const ImportBatchResult&) const = default;
@@ -85,6 +98,7 @@ std::vector<std::filesystem::path> expandDirectories(
 struct ItemResult {
   bool success = false;
   std::vector<ImportProblem> problems;
+  UnwrittenNotes unwritten = {};
 
   bool operator==(const ItemResult&) const = default;
 };

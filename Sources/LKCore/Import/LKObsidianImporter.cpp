@@ -188,6 +188,10 @@ ImportBatchResult performImport(const std::vector<ObsidianEntry>& entries,
       LKImportEngine::writeImportedNote(noteOf(entry, convertedBody(entry, mapping, options)),
                                         importContext);
       ++result.importedCount;
+    } catch (const FileError& error) {
+      ++result.skippedCount;
+      result.unwritten.add({1, error.description()});
+      result.errors.push_back({entry.url.filename().string(), error.description()});
     } catch (const Error& error) {
       ++result.skippedCount;
       result.errors.push_back({entry.url.filename().string(), error.description()});

@@ -1,6 +1,7 @@
 #pragma once
 
-// Where a note's text names projects: the search under LKProjectTextRewrite, nobody else's.
+// Where a note's text names projects: the search under LKProjectTextRewrite, nobody else's. What
+// changes other words of task lines shares `taskMarkLength` with it.
 //
 // A tag is `#` prefix `/` name, anywhere. A token is keyword `:` name, behind a space on a task
 // line, where the inline lexer finds it too. Prefixes and keywords match in any case. Each search

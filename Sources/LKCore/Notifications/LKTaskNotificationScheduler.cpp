@@ -101,35 +101,36 @@ LKNotificationRequest LKTaskNotificationScheduler::request(const TaskInfo& task,
   return request;
 }
 
-std::vector<LKNotificationRequest> LKTaskNotificationScheduler::wantedRequests(
+std::vector<LKNotificationRequest> LKTaskNotificationScheduler::requestsOfTasks(
     LKContext& index) const {
   const LKTaskNotificationTiming timing = settings().timing;
-  const Instant now = clock_();
-  std::vector<LKNotificationRequest> wanted;
+  std::vector<LKNotificationRequest> requests;
   for (const TaskInfo& task : fetchActiveTasksWithDueDates(index, collectionID_)) {
     LKNotificationRequest made = request(task, timing);
-    if (made.fireDate <= now) continue;
     if (contentDecorator) contentDecorator(made.content, task);
-    wanted.push_back(std::move(made));
+    requests.push_back(std::move(made));
   }
-  return wanted;
+  return requests;
 }
 
 LKTaskNotificationScheduler::Changes LKTaskNotificationScheduler::changes(
     const std::vector<LKNotificationRequest>& pending,
-    const std::vector<LKNotificationRequest>& wanted) {
+    const std::vector<LKNotificationRequest>& ofTasks, Instant now) {
   std::map<std::string, const LKNotificationRequest*> left;
   for (const LKNotificationRequest& request : pending) {
     if (isTaskRequest(request)) left[request.identifier] = &request;
   }
   Changes result;
-  for (const LKNotificationRequest& request : wanted) {
+  for (const LKNotificationRequest& request : ofTasks) {
     const auto found = left.find(request.identifier);
-    if (found == left.end()) {
+    const bool isPending = found != left.end();
+    const bool isSame = isPending && found->second->fireDate == request.fireDate;
+    if (!isSame && request.fireDate <= now) continue;
+    if (!isPending) {
       result.added.push_back(request);
       continue;
     }
-    if (found->second->fireDate != request.fireDate) result.replaced.push_back(request);
+    if (!isSame) result.replaced.push_back(request);
     left.erase(found);
   }
   for (const auto& [identifier, request] : left) result.removed.push_back(identifier);
@@ -141,10 +142,10 @@ LKTaskNotificationScheduler::Changes LKTaskNotificationScheduler::changes(
 void LKTaskNotificationScheduler::reconcile(LKContext& index) {
   try {
     if (!settings().enabled) return removeAllTaskNotifications();
-    fetchPending(
-        [this, wanted = wantedRequests(index)](const std::vector<LKNotificationRequest>& pending) {
-          apply(changes(pending, wanted));
-        });
+    fetchPending([this, requests = requestsOfTasks(index)](
+                     const std::vector<LKNotificationRequest>& pending) {
+      apply(changes(pending, requests, clock_()));
+    });
   } catch (const LKStoreError& error) {
     log::error("[LKNotifications] Failed to schedule: " + error.description());
   }

@@ -91,13 +91,14 @@ class LKTaskNotificationScheduler {
   // --- Pure ---
 
   static LKNotificationRequest request(const TaskInfo& task, LKTaskNotificationTiming timing);
-  // `wanted` are the requests that should be pending. Of `pending` those count whose identifier
-  // has `identifierPrefix`; one whose fire date is the wanted one stays as it is.
+  // `ofTasks` are the requests of all eligible tasks; those should be pending whose fire date is
+  // after `now`. Of `pending` those count whose identifier has `identifierPrefix`; one whose fire
+  // date is its task's stays as it is, also when that time has come: it is still to be shown.
   static Changes changes(const std::vector<LKNotificationRequest>& pending,
-                         const std::vector<LKNotificationRequest>& wanted);
+                         const std::vector<LKNotificationRequest>& ofTasks, Instant now);
 
  private:
-  std::vector<LKNotificationRequest> wantedRequests(LKContext& index) const;
+  std::vector<LKNotificationRequest> requestsOfTasks(LKContext& index) const;
   void schedule(const LKNotificationRequest& request, const char* failure);
   void remove(const std::vector<std::string>& identifiers);
   void apply(const Changes& changes);

@@ -124,10 +124,20 @@ LKQueryStore LKQueryStore::shared() {
 LKQueryStore::LKQueryStore(fs::path collectionFolder, Clock clock)
     : collection_(std::move(collectionFolder)), clock_(std::move(clock)) {}
 
-std::vector<LKSavedQuery> LKQueryStore::loadAll(const Skipped& skipped) const {
-  migrateFromViewsDirectory();
+// A name that both folders have is that of the newer one.
+std::vector<fs::path> LKQueryStore::files(OldFolder oldFolder) const {
+  if (oldFolder == OldFolder::moved) migrateFromViewsDirectory();
+  std::vector<fs::path> files = queryFilesIn(folder());
+  if (oldFolder == OldFolder::moved) return files;
+  for (fs::path& old : queryFilesIn(viewsFolder())) {
+    if (!nameIsTaken(folder() / old.filename())) files.push_back(std::move(old));
+  }
+  return files;
+}
+
+std::vector<LKSavedQuery> LKQueryStore::loadAll(const Skipped& skipped, OldFolder oldFolder) const {
   std::vector<LKSavedQuery> queries;
-  for (const fs::path& file : queryFilesIn(folder())) {
+  for (const fs::path& file : files(oldFolder)) {
     if (!UUID::parse(file.stem().string())) continue;
     try {
       queries.push_back(applyingBuiltInDefinition(decodeQuery(readFile(file))));
@@ -167,7 +177,7 @@ void LKQueryStore::remove(const UUID& id) const {
 
 // The old folder stays while anything is left in it.
 void LKQueryStore::migrateFromViewsDirectory() const {
-  const fs::path old = collection_ / ".views";
+  const fs::path old = viewsFolder();
   std::error_code ignored;
   if (!fs::is_directory(old, ignored)) return;
   try {

@@ -46,9 +46,14 @@ class LKQueryStore {
   // Called for each file that was passed over.
   using Skipped = std::function<void(const std::filesystem::path& file, const Error& why)>;
 
-  // Every query, the oldest first, those of one second by id. First brings over what an earlier
-  // version kept in ".views". A file that is no query is logged and passed over.
-  std::vector<LKSavedQuery> loadAll(const Skipped& skipped = {}) const;
+  // What an earlier version kept in ".views" is brought over, or read where it is: in a collection
+  // that is read-only nothing moves.
+  enum class OldFolder { moved, left };
+
+  // Every query, the oldest first, those of one second by id. A file that is no query is logged and
+  // passed over.
+  std::vector<LKSavedQuery> loadAll(const Skipped& skipped = {},
+                                    OldFolder oldFolder = OldFolder::moved) const;
 
   // Nothing for a query that is not there. Throws FileError, and JsonError for a damaged file.
   std::optional<LKSavedQuery> load(const UUID& id) const;
@@ -70,7 +75,9 @@ class LKQueryStore {
  private:
   std::filesystem::path folder() const { return collection_ / ".queries"; }
   std::filesystem::path fileOf(const UUID& id) const { return folder() / (id.text() + ".json"); }
+  std::filesystem::path viewsFolder() const { return collection_ / ".views"; }
   void migrateFromViewsDirectory() const;
+  std::vector<std::filesystem::path> files(OldFolder oldFolder) const;
   void installIfMissing(LKSavedQuery query) const;
 
   std::filesystem::path collection_;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "LKCore/Base/Log.h"
+#include "LKCore/Base/Text.h"
 #include "LKCore/Base/Time.h"
 #include "LKCore/Collections/LKCollectionPath.h"
 #include "LKCore/Platform/SharedFile.h"
@@ -81,7 +82,7 @@ void LKTagIconStore::setIcon(const std::string& tag, const LKTagIcon& icon) cons
 void LKTagIconStore::rename(const std::string& from, const std::string& to) const {
   change([&](Json::object_t& entries) {
     entries = tags::withRenamedKeys(entries, [&](const std::string& tag) {
-      return tag == from ? std::optional(to) : std::nullopt;
+      return text::equal(tag, from) ? std::optional(to) : std::nullopt;
     });
   });
 }

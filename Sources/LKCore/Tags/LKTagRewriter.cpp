@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <unordered_set>
 #include <utility>
 
@@ -22,6 +23,18 @@ namespace lk::LKTagRewriter {
 namespace fs = std::filesystem;
 
 namespace {
+
+// Matches the name in any Unicode form: they are one tag.
+std::string anyForm(std::string_view name) {
+  const std::set<std::string> forms{std::string(name), text::composed(name),
+                                    text::decomposed(name)};
+  if (forms.size() == 1) return Pattern::escaped(name);
+  std::string pattern;
+  for (const std::string& form : forms) {
+    pattern.append(pattern.empty() ? "(?:" : "|").append(Pattern::escaped(form));
+  }
+  return pattern + ")";
+}
 
 using TagRanks = std::map<std::string, std::string>;
 
@@ -64,7 +77,7 @@ void renameIcons(const std::string& from, const std::string& to, bool isPrefix,
 RenamePattern renamePattern(std::string_view from, std::string_view to, bool isPrefix) {
   constexpr std::string_view kTagEnd = R"((?=[^\p{L}\p{N}\-/]|$))";
   const std::string below = isPrefix ? R"((/[\p{L}\p{N}\-/]*)?)" : "";
-  return {"#" + Pattern::escaped(from) + below + std::string(kTagEnd),
+  return {"#" + anyForm(from) + below + std::string(kTagEnd),
           "#" + Pattern::escapedTemplate(to) + (isPrefix ? "$1" : "")};
 }
 
@@ -79,13 +92,14 @@ std::vector<std::string> collisions(std::string_view renaming, std::string_view 
   std::unordered_set<std::string> targets;
   std::vector<std::string> staying;
   for (const std::string& tag : existingTags) {
-    if (auto target = tags::renamed(tag, renaming, to)) {
-      targets.insert(std::move(*target));
+    if (const auto target = tags::renamed(tag, renaming, to)) {
+      targets.insert(text::composed(*target));
     } else {
       staying.push_back(tag);
     }
   }
-  std::erase_if(staying, [&](const std::string& tag) { return !targets.contains(tag); });
+  std::erase_if(staying,
+                [&](const std::string& tag) { return !targets.contains(text::composed(tag)); });
   std::ranges::sort(staying);
   return staying;
 }
@@ -158,7 +172,8 @@ std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files
   const RenamePattern names = renamePattern(from, to, isPrefix);
   std::optional<Pattern> pattern;
   try {
-    pattern.emplace(names.pattern);
+    // An accent that stands alone goes on with the name: "#cafe" is not found in "#cafe\u0301".
+    pattern.emplace("(?!#" + anyForm(from) + R"(\p{M}))" + names.pattern);
   } catch (const PatternError& error) {
     log::error("LKTagRewriter: #" + from + " cannot be looked for: " + error.description());
     for (const auto& [url, text] : files) fail(url, error);

@@ -129,7 +129,8 @@ void BindCommand::run() {
   job.subject = {.tagName = source.name,
                  .author = std::string(text::trimmed(author)),
                  .date = bookDate(),
-                 .locale = ""};
+                 .locale = "",
+                 .isTitled = source.isBook};
   job.collectionRoot = resolvedCollection(options.collection, options.quiet);
   job.spec = buildSpec(*this);
   BindNotes notes(options);

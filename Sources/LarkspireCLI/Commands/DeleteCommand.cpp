@@ -8,6 +8,7 @@
 #include "LKCore/Platform/Files.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/FileScan.h"
 #include "LarkspireCLI/Support/NoteMover.h"
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/Output.h"
@@ -82,7 +83,8 @@ void DeleteCommand::run() {
   const fs::path trash = found.collection / ".trash";
   writeNotes([&] {
     createFolders(trash);
-    NoteMover::moveInto(trash, found.note.url);
+    // One that is there already keeps its name.
+    if (!isInTrash(found.note.url, found.collection)) NoteMover::moveInto(trash, found.note.url);
   });
   printMessage(options, "Trashed: " + found.note.title);
 }

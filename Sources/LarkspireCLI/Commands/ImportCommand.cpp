@@ -37,8 +37,12 @@ std::string shown(const fs::path& name) {
   return text::escapedInvalid(name.filename().string());
 }
 
+void printSkipped(const fs::path& name, const char* why) {
+  printError(std::string("skip (") + why + "): " + shown(name));
+}
+
 void printUnreadable(const fs::path& name) {
-  printError("skip (unreadable): " + shown(name));
+  printSkipped(name, "unreadable");
 }
 
 // --- What there is to import ---------------------------------------------------------------------
@@ -142,15 +146,15 @@ std::optional<NewNote> noteFrom(const fs::path& file, const std::vector<std::str
 // What became of the text files.
 struct CreatedNotes {
   size_t count = 0;
-  size_t failed = 0;  // could be read, and not be written
-  std::string firstFailure;
-
-  void refuse() const {
-    if (failed == 0) return;
-    throw CLIError::writeFailed(countOf(failed, "file") +
-                                " could not be imported: " + firstFailure);
-  }
+  LKImportEngine::UnwrittenNotes unwritten;
 };
+
+// The end of every import: a script hears by the status that the collection did not take it all.
+void refuse(const LKImportEngine::UnwrittenNotes& unwritten) {
+  if (unwritten.count == 0) return;
+  throw CLIError::writeFailed(countOf(unwritten.count, "file") +
+                              " could not be imported: " + unwritten.firstReason);
+}
 
 // Goes on after a file that fails.
 void createNotes(const std::vector<fs::path>& files, const fs::path& collection,
@@ -158,17 +162,18 @@ void createNotes(const std::vector<fs::path>& files, const fs::path& collection,
   FreeNames names(collection);
   for (size_t i = 0; i < files.size(); ++i) {
     const std::optional<NewNote> note = noteFrom(files[i], tags);
-    bool isCreated = false;
+    const char* problem = note ? nullptr : "unreadable";
     try {
-      isCreated = note && !LKNoteFileService::createNote(*note, names).empty();
+      if (note) LKNoteFileService::createNote(*note, names);
     } catch (const FileError& error) {
-      if (created.failed++ == 0) created.firstFailure = error.description();
+      problem = "not written";
+      created.unwritten.add({1, error.description()});
     }
-    if (isCreated) {
+    if (problem == nullptr) {
       ++created.count;
     } else {
       progress.clear();
-      printUnreadable(files[i]);
+      printSkipped(files[i], problem);
     }
     progress.show(i + 1, files.size());
   }
@@ -272,14 +277,18 @@ void ImportCommand::importFiles(const fs::path& source, const fs::path& collecti
       kCannotImport);
   printProblems(result.errors);
   printMessage(options, "Imported " + countOf(created.count + result.importedCount, "note") + ".");
-  created.refuse();
+  created.unwritten.add(result.unwritten);
+  refuse(created.unwritten);
 }
 
 void ImportCommand::importVault(const fs::path& source, const fs::path& collection) {
   namespace importer = LKObsidianImporter;
   std::vector<LKImportEngine::ImportProblem> unreadable;
   const std::vector<fs::path> paths = importer::notePaths(source, unreadable);
-  if (paths.empty()) throwNothingFound(directory);
+  if (paths.empty()) {
+    printProblems(unreadable);  // why there is nothing, perhaps
+    throwNothingFound(directory);
+  }
   std::vector<std::string> readableTags;
   for (const std::string& tag : tags) readableTags.push_back(TagArgument::readable(tag));
   if (dryRun) {
@@ -316,6 +325,7 @@ void ImportCommand::importVault(const fs::path& source, const fs::path& collecti
                                          : " files that no note embeds are left behind."));
   }
   printMessage(options, "Imported " + countOf(result.importedCount, "note") + ".");
+  refuse(result.unwritten);
 }
 
 }  // namespace lk

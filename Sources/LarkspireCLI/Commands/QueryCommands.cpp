@@ -27,13 +27,14 @@ std::vector<LKSavedQuery> savedQueries(const GlobalOptions& options) {
   const LKQueryStore store(collection);
   // The tool cannot tell what is still on its way from the cloud.
   constexpr bool kFullySynced = false;
-  if (collectionMode(collection) != LKCollectionMode::readOnly) {
-    store.installDefaultQueries(LKQueryStore::Install::once, kFullySynced);
-  }
-  return store.loadAll([&](const std::filesystem::path& file, const Error& why) {
+  const bool isReadOnly = collectionMode(collection) == LKCollectionMode::readOnly;
+  if (!isReadOnly) store.installDefaultQueries(LKQueryStore::Install::once, kFullySynced);
+  const auto warn = [&](const std::filesystem::path& file, const Error& why) {
     printNote(options, "Warning: " + file.string() +
                            " is no saved query that lk understands: " + why.description());
-  });
+  };
+  return store.loadAll(warn,
+                       isReadOnly ? LKQueryStore::OldFolder::left : LKQueryStore::OldFolder::moved);
 }
 
 std::string ruleWords(const LKQueryRule& rule) {

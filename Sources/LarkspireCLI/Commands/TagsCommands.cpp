@@ -56,7 +56,7 @@ TagUse scan(const fs::path& collection, const std::string& tag) {
       const auto tags = LKTagExtractor::extractTags(parseDocument(bytes).body);
       all.insert(tags.begin(), tags.end());
       const bool usesTag = std::ranges::any_of(
-          tags, [&](const std::string& each) { return each == tag || tags::isBelow(each, tag); });
+          tags, [&](const std::string& each) { return tags::lengthOfTop(each, tag).has_value(); });
       if (usesTag) use.files.emplace(file, std::move(bytes));
     } catch (const LKSyncError&) {
       continue;  // no note: what has no block of ours is not changed
@@ -131,7 +131,7 @@ void TagsRenameCommand::run() {
   if (const auto problem = LKTagNameRules::problem(to)) {
     throw CLIError::general("New tag name: " + *problem);
   }
-  if (from == to) throw CLIError::general("The new name is the same as the old one.");
+  if (text::equal(from, to)) throw CLIError::general("The new name is the same as the old one.");
   requireWritable(collection);
   const TagUse use = scan(collection, from);
   if (use.files.empty()) throw CLIError::general("No note uses #" + from + ".");

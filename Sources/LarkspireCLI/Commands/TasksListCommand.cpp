@@ -50,7 +50,8 @@ class TaskListFilter {
 
   bool hasProject(const LKTask& task) const {
     const std::string project = task.project.value_or("");
-    if (command_.noProject && !project.empty()) return false;
+    if (project.empty()) return !command_.project;  // whatever the option's value
+    if (command_.noProject) return false;
     return !command_.project || text::equalIgnoringCase(project, *command_.project);
   }
 

@@ -35,7 +35,8 @@ std::string_view titleOf(std::string_view fileName) {
   return LKNoteFilename::isUUIDBasename(base) ? std::string_view("Untitled") : base;
 }
 
-// Calls `visit` with every note file of the collection, daily notes last, until it says stop.
+// Calls `visit` with every note file of the collection until it says stop: daily notes after the
+// others, trashed ones last.
 void walkNotes(const fs::path& collection, const std::function<void(const std::string&)>& warn,
                const std::function<WalkStep(const fs::path& folder, const WalkEntry&)>& visit) {
   WalkOptions options;
@@ -45,7 +46,7 @@ void walkNotes(const fs::path& collection, const std::function<void(const std::s
            text::escapedInvalid(problem.relativePath));
     }
   };
-  for (const fs::path& folder : {collection, collection / ".daily"}) {
+  for (const fs::path& folder : {collection, collection / ".daily", collection / ".trash"}) {
     const bool reachedEnd = walkFolder(
         folder,
         [&](const WalkEntry& entry) {
@@ -148,19 +149,21 @@ std::optional<ResolvedNote> best(std::vector<PartialMatch> matches) {
 std::optional<ResolvedNote> noteByTitle(const std::string& reference, const fs::path& collection,
                                         const std::function<void(const std::string&)>& warn) {
   const std::string key = text::caseInsensitiveKey(reference);
-  std::set<std::tuple<bool, fs::path>> exact;  // another case, path: the best one first
+  const fs::path trash = collection / ".trash";
+  std::set<std::tuple<bool, bool, fs::path>> exact;  // trashed, another case, path: the best first
   std::vector<PartialMatch> partial;
   walkNotes(collection, warn, [&](const fs::path& folder, const WalkEntry& entry) {
+    const bool isTrashed = folder == trash;
     const std::string_view title = titleOf(entry.name);
     const std::string titleKey = text::caseInsensitiveKey(title);
     if (titleKey == key) {
-      exact.emplace(title != reference, folder / entry.relativePath);
-    } else if (titleKey.find(key) != std::string::npos) {
+      exact.emplace(isTrashed, title != reference, folder / entry.relativePath);
+    } else if (!isTrashed && titleKey.find(key) != std::string::npos) {
       partial.push_back({folder / entry.relativePath, std::string(title), {}});
     }
     return WalkStep::proceed;
   });
-  for (const auto& [isOtherCase, url] : exact) {
+  for (const auto& [isTrashed, isOtherCase, url] : exact) {
     if (auto note = resolvedNote(url)) return note;
   }
   return best(std::move(partial));

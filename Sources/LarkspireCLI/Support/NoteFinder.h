@@ -25,9 +25,11 @@ struct ResolvedNote {
 namespace NoteFinder {
 
 // In this order: a UUID (then nothing else is tried), the title in the collection's root, the
-// title in any folder and any case, a part of a title in any case. Daily notes count, trashed ones
-// do not. Among several equal titles the one in the same case wins, then the first path; among
-// several partial ones the most recently changed, then the first by title.
+// title in any folder and any case, a part of a title in any case. Daily notes count. A trashed
+// note is found by its UUID or whole title where no other note has them: so the title of a note
+// just deleted never stands for another note that has it as a part. Among several equal titles the
+// one in the same case wins, then the first path; among several partial ones the most recently
+// changed, then the first by title.
 //
 // Nothing when no note fits. Never throws for unreadable files or folders: they are passed over.
 // Never makes `cache` build an index. `warn` hears of file names that cannot be used, once each.

@@ -3,6 +3,7 @@
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CacheReader.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
+#include "LarkspireCLI/Support/FileScan.h"
 #include "LarkspireCLI/Support/Output.h"
 
 namespace lk {
@@ -30,6 +31,9 @@ ResolvedNote requireNoteIn(const fs::path& collection, const GlobalOptions& opti
   const auto warn = [&](const std::string& message) { printNote(options, message); };
   auto note = NoteFinder::resolve(reference, collection, cache, warn);
   if (!note) throw CLIError::noteNotFound(reference);
+  if (isInTrash(note->url, collection)) {
+    warn("Note: \"" + note->title + "\" is in the trash. `lk restore` brings it back.");
+  }
   return *note;
 }
 

@@ -5,6 +5,7 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/Navigation/LKTaskContextStore.h"
+#include "LKCore/Navigation/ProjectHits.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
 #include "LKCore/Tasks/TaskTokens.h"
 
@@ -122,7 +123,8 @@ std::string transitionLine(std::string_view line, TaskStatus to, Day today) {
 
 std::string replacingContext(std::string_view line, std::string_view from,
                              const std::optional<std::string>& to) {
-  const auto [head, words] = partsOf(line);
+  const std::string_view head = line.substr(0, taskMarkLength(line));
+  const std::string_view words = line.substr(head.size());
   const std::string wanted = contextKey(from);
   std::string changed(head);
   size_t copied = 0;

@@ -38,7 +38,8 @@ std::string transitionLine(std::string_view line, TaskStatus to, Day today);
 
 // The line with one item of its `context:` and `contexts:` words replaced, or taken out where `to`
 // is nothing. Both names are normalised. In a word that has the item, repeats and empty items go;
-// a word that is left empty goes with the blank before it. Every other word stays as it is.
+// a word that is left empty goes with the blank before it. Every other word stays as it is. The line
+// may also be one that only readers take for a task, "- [X] a": its contexts are listed too.
 std::string replacingContext(std::string_view line, std::string_view from,
                              const std::optional<std::string>& to);
 

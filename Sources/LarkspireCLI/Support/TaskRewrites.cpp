@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "LKCore/Base/Text.h"
+#include "LKCore/Navigation/ProjectHits.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
-#include "LKCore/NoteFiles/LKTaskEntries.h"
 #include "LKCore/NoteRepository/LKFileIndex.h"
 #include "LKCore/NoteRepository/LKNoteFileService.h"
 #include "LKCore/Platform/Files.h"
@@ -114,7 +114,7 @@ LKProjectTextRewrite::Rewritten ContextsRewrite::rewritten(std::string_view body
     for (const std::string_view line : text::split(stretch, '\n')) {
       if (line.data() != stretch.data()) result.text += '\n';
       const size_t start = result.text.size();
-      result.text += isTaskLine(line) ? lineTransform(line) : std::string(line);
+      result.text += taskMarkLength(line) > 0 ? lineTransform(line) : std::string(line);
       if (result.text.compare(start, std::string::npos, line) != 0) ++result.counts.metaHits;
     }
     return result;

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "LKCore/Base/Text.h"
+#include "LKCore/Base/TextRange.h"
 #include "LKCore/NoteFiles/LKTaskEntries.h"
 #include "LKCore/NoteRepository/LKNoteFileService.h"
 #include "LarkspireCLI/Support/CLIError.h"
@@ -12,6 +13,7 @@
 #include "LarkspireCLI/Support/NoteWriting.h"
 #include "LarkspireCLI/Support/RequiredNote.h"
 #include "LarkspireCLI/Support/TaskLineEdits.h"
+#include "LarkspireCLI/Support/Terminal.h"
 
 namespace lk {
 
@@ -26,13 +28,14 @@ CLIError noSuchID(const std::string& message) {
   return CLIError::general(message).withHint(kNoLastingID);
 }
 
-// "\n  FIRST\n  SECOND", cut short when there are very many.
+// "\n  FIRST\n  SECOND", cut short when there are very many, and without what could command a
+// terminal.
 template <typename Items, typename Describe>
 std::string listedMatches(const Items& items, const Describe& describe) {
   std::string lines;
   size_t count = 0;
   for (const auto& item : items) {
-    if (++count <= kListedMatches) lines += "\n  " + describe(item);
+    if (++count <= kListedMatches) lines += "\n  " + withoutControls(describe(item));
   }
   if (count > kListedMatches) {
     lines += "\n  and " + std::to_string(count - kListedMatches) + " more";

@@ -117,6 +117,9 @@ TEST(AttachmentsInText, AreFoundInEachWayOfWriting) {
   EXPECT_EQ(uses.in("[k](K\u00E4se.pdf)"), Used{3});
   EXPECT_EQ(uses.in("[k](K%c3%a4se.pdf)"), Used{3});
   EXPECT_EQ(uses.in("caf\xE9 Garden plan.pdf"), Used{2});
+  const AttachmentUses signs({"bed (1).png", "bed_2.png", "Pea & Bean.png"});
+  EXPECT_EQ(signs.in("![](<bed \\(1\\).png>) [p](bed\\_2.png)"), (Used{0, 1}));
+  EXPECT_EQ(signs.in("![](Pea%20&amp;%20Bean.png) ![](bed%20\\(1\\).png)"), (Used{0, 2}));
   EXPECT_EQ(uses.in(""), Used{});
   EXPECT_EQ(AttachmentUses(std::vector<std::string>{}).in("bed.png"), Used{});
 }

@@ -79,6 +79,9 @@ TEST(BindTokens, AreExpanded) {
        {"author", "{author}|{author_surname}", "Ann van Lee |Lee"},
        {"date", "{date_iso}", "2026-03-14"}},
       [&](const std::string& text) { return LKBindTokenResolver::resolve(text, context); });
+  context.isTitled = true;
+  context.tagName = "Catch-22 of the iPhone";
+  EXPECT_EQ(LKBindTokenResolver::resolve("{tag_display_name}", context), context.tagName);
   context.author = "";
   EXPECT_EQ(LKBindTokenResolver::resolve("{author}{author_surname}", context),
             "{author}{author_surname}");
@@ -89,19 +92,21 @@ TEST(BindTokens, AreExpanded) {
 
 TEST(BindFilter, TakesOutWhatIsForTheWriter) {
   const LKBindFilters defaults;
-  expectBindCases({{"comment", "a<!-- x\n#y -->b\n", "ab\n"},
-                   {"two on a line", "<!--1-->a<!--2-->b", "ab"},
-                   {"open comment", "a <!-- b", "a <!-- b"},
-                   {"comment in code", "```\n<!-- x -->\n```\n", "```\n<!-- x -->\n```\n"},
-                   {"tasks", "a\n\t- [/] b\n- [?] c\n- [x] d", "a\n- [?] c"},
-                   {"task in code", "```\n- [ ] a\n```", "```\n- [ ] a\n```"},
-                   {"tags", "#a/b-c x #d1.", " x ."},
-                   {"no tags", "C#x &#x27; [a](#b) http://a/#b `#c` ## H #1",
-                    "C#x &#x27; [a](#b) http://a/#b `#c` ## H #1"},
-                   {"tag in code", "````x\n#a\n```\n#b\n````\n#c", "````x\n#a\n```\n#b\n````\n"},
-                   {"properties", "---\nid: 1\ntags:\n  - a\n---\nb", "b"},
-                   {"scene break first", "---\nIt was late\n---\nb", "---\nIt was late\n---\nb"}},
-                  [&](const std::string& body) { return LKBindFilter::apply(body, defaults); });
+  expectBindCases(
+      {{"comment", "a<!-- x\n#y -->b\n", "ab\n"},
+       {"two on a line", "<!--1-->a<!--2-->b", "ab"},
+       {"open comment", "a <!-- b", "a <!-- b"},
+       {"comment in code", "```\n<!-- x -->\n```\n", "```\n<!-- x -->\n```\n"},
+       {"tasks", "a\n\t- [/] b\n- [?] c\n- [x] d", "a\n- [?] c"},
+       {"task in code", "```\n- [ ] a\n```", "```\n- [ ] a\n```"},
+       {"tags", "#a/b-c x #d1.", " x ."},
+       {"no tags", "C#x &#x27; [a](#b) http://a/#b `#c` ## H #1",
+        "C#x &#x27; [a](#b) http://a/#b `#c` ## H #1"},
+       {"tags of HTML", "<a href=\"#b\">#c</a> 1<2 #d <b #e", "<a href=\"#b\"></a> 1<2  <b "},
+       {"tag in code", "````x\n#a\n```\n#b\n````\n#c", "````x\n#a\n```\n#b\n````\n"},
+       {"properties", "---\nid: 1\ntags:\n  - a\n---\nb", "b"},
+       {"scene break first", "---\nIt was late\n---\nb", "---\nIt was late\n---\nb"}},
+      [&](const std::string& body) { return LKBindFilter::apply(body, defaults); });
   EXPECT_EQ(LKBindFilter::applyTaskFilter("  - [ ] a  due:1 b id:x\nc due:1\n",
                                           LKBindStripTasks::metadata),
             "- [ ] a b\nc due:1\n");
@@ -185,7 +190,13 @@ TEST(BindAssembler, KeepsNotesApart) {
   const std::vector<BindCase> openings = {
       {"fence", "````\nx", "````\nx\n````\n"},
       {"tildes", "~~~\nx\n```", "~~~\nx\n```\n~~~\n"},
+      {"fence further in", "\t```c\nx\n```", "```c\nx\n```\n"},
+      {"fence's end further in", "- a\n\t```\n\tx\n\t\t```", "- a\n\t```\n\tx\n\t```\n"},
+      {"open fence further in", "\t```\nx", "```\nx\n```\n"},
       {"comment", "<!-- a -->\n<!-- x", "\n&lt;!-- x\n"},
+      {"element", "<PRE>\n</Pre>\n <pre class='a'>x\n<predator>",
+       "<PRE>\n</Pre>\n &lt;pre class='a'>x\n<predator>\n"},
+      {"instruction", "<?php\n<![CDATA[ x", "&lt;?php\n&lt;![CDATA[ x\n"},
       {"comment in code", "```\n<!-- x\n```", "```\n<!-- x\n```\n"}};
   for (const BindCase& row : openings) {
     EXPECT_EQ(assembled({bindNote("A", row.text), bindNote("B", "y")}, spec),

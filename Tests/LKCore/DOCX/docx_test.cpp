@@ -133,6 +133,7 @@ TEST(DOCXRuns, ShowTheDialect) {
     word::appendMarkdownRuns(xml, row.line, {}, {&notes, nullptr});
     EXPECT_NE(xml.find(row.expected), std::string::npos) << row.line << "\n" << xml;
   }
+  EXPECT_EQ(word::plainText("Night<br>*Day* `x`"), "Night Day x");
   std::string unsafe;
   word::appendMarkdownRuns(unsafe, "[a](javascript:x) [b](file:///etc/passwd)", {}, {});
   EXPECT_EQ(unsafe.find("HYPERLINK"), std::string::npos) << unsafe;

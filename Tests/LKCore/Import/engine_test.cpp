@@ -114,7 +114,9 @@ TEST_F(ImportEngine, KeepsTheDatesOfFiles) {
 TEST_F(ImportEngine, TakesABundleWithItsAssets) {
   write("Trip.textbundle/text.text",
         "# Trip\n![boat](assets/my%20boat.png) [map](assets/sub/map.pdf \"The map\") "
-        "![gone](assets/gone.png)");
+        "![gone](assets/gone.png) ![pier](assets/pier(1).png) ![bow](assets/bow(.png)");
+  write("Trip.textbundle/assets/pier(1).png", "pier");
+  write("Trip.textbundle/assets/bow(.png", "bow");
   write("Trip.textbundle/info.json", R"({"tags": ["by sea", 7, "2024"], "version": 2})");
   write("Trip.textbundle/assets/my boat.png", "boat");
   write("Trip.textbundle/assets/sub/map.pdf", "map");
@@ -129,7 +131,8 @@ TEST_F(ImportEngine, TakesABundleWithItsAssets) {
   EXPECT_EQ(result.importedCount, 1U);
   EXPECT_EQ(note("Trip").body,
             "# Trip\n![boat](.attachments/my_boat.png) [map](.attachments/map%202.pdf \"The map\") "
-            "![gone](assets/gone.png)\n\n#by-sea\n\n#2024\n");
+            "![gone](assets/gone.png) ![pier](.attachments/pier_1_.png) "
+            "![bow](.attachments/bow_.png)\n\n#by-sea\n\n#2024\n");
   const std::vector<engine::ImportProblem> expected = {
       {"Trip.textbundle", "huge.mov (too large: 21 MB, max 20 MB)"},
       {"Trip.textbundle", "Trip.textbundle — .sh files cannot be added to a collection."},
@@ -141,7 +144,8 @@ TEST_F(ImportEngine, TakesABundleWithItsAssets) {
     names.push_back(entry.path().filename());
   }
   std::ranges::sort(names);
-  EXPECT_EQ(names, (std::vector<std::string>{"map 2.pdf", "map.pdf", "my_boat.png"}));
+  EXPECT_EQ(names, (std::vector<std::string>{"bow_.png", "map 2.pdf", "map.pdf", "my_boat.png",
+                                             "pier_1_.png"}));
   EXPECT_EQ(readWhole(notes() / ".attachments/map.pdf"), "another map");
   EXPECT_EQ(readWhole(notes() / ".attachments/map 2.pdf"), "map");
 }

@@ -167,6 +167,13 @@ TEST_F(Reminders, FollowTheTasks) {
   center.refuses = false;
   reconcile();
   EXPECT_EQ(pending(), Shown{"Rake 2026-03-22T09:00"});
+  now = at("2026-03-22T09:00");
+  reconcile();
+  EXPECT_EQ(pending(), Shown{"Rake 2026-03-22T09:00"}) << "due to be shown, and not shown yet";
+  settings.timing = Timing::morningOf;
+  now = at("2026-03-23T09:00");
+  reconcile();
+  EXPECT_EQ(pending(), Shown{}) << "another time, and that one has passed too";
   settings.enabled = false;
   center.pending[snoozed.identifier] = snoozed;
   reconcile();

@@ -104,6 +104,10 @@ TEST_F(Bind, TakesOneBookNoteByItsTitle) {
                                               "' was found. Available book notes in this "
                                               "collection:\n  - Saga 9\n  - Saga 10");
   }
+  note("A saga-like iX", "xzz", 0, isBook);
+  EXPECT_NE(
+      lk("bind|--book|A saga-like iX|--output|-|--quiet").out.find("<title>A saga-like iX</title>"),
+      std::string::npos);
 }
 
 TEST_F(Bind, AddsATitlePageWhereNoNoteIsOne) {

@@ -99,6 +99,8 @@ const LineCase requests[] = {
     {"only_globals", {"--json"}, "help of lk"},
     {"help_word", {"help"}, "help of lk"},
     {"help_of_leaf", {"help", "tasks", "add"}, "help of lk tasks add"},
+    {"help_of_line", {"help", "list", "--tag", "work"}, "help of lk list"},
+    {"help_of_help", {"help", "--help"}, "help of lk"},
     {"group_without_default", {"projects"}, "help of lk projects"},
     {"group_flag", {"tasks", "--help"}, "help of lk tasks"},
     {"group_flag_after_global", {"--json", "daily", "--quiet", "-h"}, "help of lk daily"},

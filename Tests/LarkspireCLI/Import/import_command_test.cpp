@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -127,6 +128,30 @@ TEST_F(Importing, AFolderThatMayNotBeReadIsPassedOver) {
   const ProcessResult result = isRoot ? sandbox.run("setpriv", arguments) : sandbox.lk(arguments);
   EXPECT_EQ(result.out, "Imported 1 note.\n");
   EXPECT_EQ(result.err, "skip (unreadable): Closed\n");
+  fs::remove(source() / "Plan.md");
+  fs::create_directory(source() / ".obsidian");
+  std::ranges::replace(arguments, std::string("--recursive"), std::string("--vault"));
+  const ProcessResult vault = isRoot ? sandbox.run("setpriv", arguments) : sandbox.lk(arguments);
+  EXPECT_EQ(vault.err, "Closed: Could not read file\nError: No .md or .txt files found in Old\n");
+}
+
+TEST_F(Importing, ACollectionThatTakesNoNoteIsToldFromAFileThatCannotBeRead) {
+  write("Plan.md", std::string(20000, 'x'));
+  write("Roman.md", "caf\x8E");
+  const std::string failure =
+      "Error: File write failed — 1 file could not be imported: " + (notes() / "Plan.md").string() +
+      ": File too large\n";
+  // A limit that what is told fits in and the note does not, which stands for a full disk.
+  const std::string limited =
+      "trap '' XFSZ; ulimit -f 8; exec \"$0\" import Old --quiet --collection \"$1\" ";
+  const ProcessResult files = sandbox.run("sh", {"-c", limited, LK_TOOL_PATH, notes().string()});
+  EXPECT_EQ(files.status, 4);
+  EXPECT_EQ(files.err, "skip (not written): Plan.md\nskip (unreadable): Roman.md\n" + failure);
+  fs::create_directories(source() / ".obsidian");
+  const ProcessResult vault =
+      sandbox.run("sh", {"-c", limited + "--vault", LK_TOOL_PATH, notes().string()});
+  EXPECT_EQ(vault.status, 4);
+  EXPECT_TRUE(vault.err.ends_with(failure)) << vault.err;
 }
 
 TEST_F(Importing, WhenKilledLeavesWholeNotesAndCanRunAgain) {

@@ -30,6 +30,8 @@ class Finding : public testing::Test {
     note("caf\u00E9", 3);
     note(".daily/20260314", 4);
     note(".trash/Trashed", 6);
+    note(".trash/Shed", 0);
+    note(".trash/Old", 0);
     note("Trip.textbundle/Hidden in a package", 7);
     note("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F", 8);
     test::writeWhole(folder / "Plain.MD", "no block");
@@ -69,8 +71,14 @@ TEST_F(Finding, PrefersTheExactTitleThenAnyCaseThenAPart) {
   EXPECT_EQ(found("Plain"), "Plain.MD");
 }
 
-TEST_F(Finding, LeavesOutTrashPackagesFoldersAndWhatLiesOutside) {
-  for (const char* reference : {"Trashed", "Hidden in a package", "Folder", "nothing like it", "",
+TEST_F(Finding, FindsATrashedNoteByItsWholeTitleWhereNoOtherHasIt) {
+  EXPECT_EQ(found("trashed"), ".trash/Trashed.md");
+  EXPECT_EQ(found("Shed"), "Projects/Shed.md");
+  EXPECT_EQ(found("Old"), ".trash/Old.md");  // and not "Old garden", which somebody may delete
+}
+
+TEST_F(Finding, LeavesOutPartsOfTrashedTitlesPackagesFoldersAndWhatLiesOutside) {
+  for (const char* reference : {"Trash", "Hidden in a package", "Folder", "nothing like it", "",
                                 "../outside", "Projects/Shed", ".daily/20260314", "/etc/passwd"}) {
     EXPECT_EQ(found(reference), "nothing") << reference;
   }
@@ -79,7 +87,7 @@ TEST_F(Finding, LeavesOutTrashPackagesFoldersAndWhatLiesOutside) {
 TEST_F(Finding, LooksForAUUIDInTheBlocksAlone) {
   EXPECT_EQ(found(ids.at("Projects/Shed").text()), "Projects/Shed.md");
   EXPECT_EQ(found(ids.at(".daily/20260314").lowercaseText()), ".daily/20260314.md");
-  EXPECT_EQ(found(ids.at(".trash/Trashed").text()), "nothing");
+  EXPECT_EQ(found(ids.at(".trash/Trashed").text()), ".trash/Trashed.md");
   // A file of that name has another id.
   EXPECT_EQ(found("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F"), "nothing");
 }

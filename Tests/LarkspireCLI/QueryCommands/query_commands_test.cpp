@@ -75,7 +75,10 @@ TEST_F(QueryCommands, RunInAFolderThatTakesNothing) {
   ASSERT_EQ(sandbox.lk({"collection", "add", "Notes", "--mode", "readOnly"}).status, 0);
   EXPECT_EQ(titles("query|run|all"), Titles{"A"});
   EXPECT_EQ(std::distance(fs::directory_iterator(notes() / ".queries"), {}), 1);
-  fs::remove_all(notes() / ".queries");
+  fs::rename(notes() / ".queries", notes() / ".views");  // where an earlier version kept them
+  EXPECT_EQ(titles("query|run|all"), Titles{"A"});
+  EXPECT_FALSE(fs::exists(notes() / ".queries"));
+  fs::remove_all(notes() / ".views");
   EXPECT_EQ(lk("query|list|--quiet").out, "No saved queries.\n");
   EXPECT_EQ(lk("query|list|--json").out, "[]\n");
 }

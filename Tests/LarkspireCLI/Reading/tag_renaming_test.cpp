@@ -83,6 +83,23 @@ TEST_F(TagRenaming, RefusesInTheseWordsAndChangesNothing) {
   EXPECT_EQ(contents(), before);
 }
 
+TEST_F(TagRenaming, TakesATagInEitherUnicodeFormAndNoOther) {
+  note("Composed", "#caf\u00E9 #caf\u00E9/menu", 5);
+  note("Decomposed", "#cafe\u0301/menu", 6, [](LKFileFrontMatter& block) {
+    block.tagRanks = {{"cafe\u0301/menu", "a0"}};
+  });
+  note("Bare", "#cafe #cafe\u0301/menu", 7);
+  EXPECT_EQ(lk("tags|rename|cafe|bar").out, "Renamed #cafe → #bar in 1 note.\n");
+  EXPECT_EQ(lk("tags|rename|home|caf\u00E9/menu").status, 1);  // taken, in both forms
+  EXPECT_EQ(lk("tags|rename|cafe\u0301|inn").out, "Renamed #cafe\u0301 → #inn in 3 notes.\n");
+  EXPECT_EQ(bodyOf(readWhole(file("Composed"))), "#inn #inn/menu");
+  EXPECT_EQ(bodyOf(readWhole(file("Bare"))), "#bar #inn/menu");
+  const LKParsedDocument decomposed = parseDocument(readWhole(file("Decomposed")));
+  EXPECT_EQ(decomposed.body, "#inn/menu");
+  EXPECT_EQ(decomposed.frontMatter.tagRanks,
+            (std::map<std::string, std::string>{{"inn/menu", "a0"}}));
+}
+
 TEST_F(TagRenaming, MergesWhenAskedTo) {
   const ProcessResult result = lk("tags|rename|workshop|home|--merge|--json");
   EXPECT_EQ(result.out, "{\n  \"message\" : \"Merged #workshop → #home in 1 note.\"\n}\n");

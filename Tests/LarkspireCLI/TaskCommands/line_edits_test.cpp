@@ -61,6 +61,7 @@ TEST(TaskLineEdits, ChangeTheWordsThatTheyNameAndKeepTheMark) {
       {"a context stripped", replacingContext("- [ ] a context:x contexts:b,x c", "x", {}),
        "- [ ] a contexts:b c"},
       {"stripped behind the mark", replacingContext("- [ ] context:x a", "x", {}), "- [ ] a"},
+      {"done in upper case", replacingContext("- [X] context:x a", "x", {}), "- [X] a"},
       {"within other words", replacingContext("- [ ] (context:x b context:xy,d", "x", "z"),
        "- [ ] (context:x b context:xy,d"},
   };
@@ -111,10 +112,10 @@ TEST(TaskRewriting, SparesCodeAndCountsLines) {
     return TaskLineEdits::replacingContext(line, "x", "y");
   };
   const auto result = ContextsRewrite::rewritten(
-      "- [ ] a context:x\ncontext:x\n```\n- [ ] b context:x\n```\n\n- [ ] c context:x\n",
+      "- [ ] a context:x\ncontext:x\n```\n- [ ] b context:x\n```\n\n- [X] c context:x\n",
       lineTransform);
   EXPECT_EQ(result.text,
-            "- [ ] a context:y\ncontext:x\n```\n- [ ] b context:x\n```\n\n- [ ] c context:y\n");
+            "- [ ] a context:y\ncontext:x\n```\n- [ ] b context:x\n```\n\n- [X] c context:y\n");
   EXPECT_EQ(result.counts.metaHits, 2U);
 }
 
