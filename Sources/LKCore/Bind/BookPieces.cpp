@@ -76,8 +76,9 @@ class EndlessHTML {
     const auto isSame = [](char inBody, char lower) {
       return inBody == lower || (inBody >= 'A' && inBody <= 'Z' && inBody + ('a' - 'A') == lower);
     };
-    const auto found = std::ranges::find_end(body, end, isSame);
-    return found.empty() ? 0 : static_cast<size_t>(found.begin() - body.begin());
+    const auto* const found =
+        std::find_end(body.begin(), body.end(), end.begin(), end.end(), isSame);
+    return found == body.end() ? 0 : static_cast<size_t>(found - body.begin());
   }
 
   std::array<size_t, kLongHTML.size()> lastEnds_{};
