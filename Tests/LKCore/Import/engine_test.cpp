@@ -39,7 +39,7 @@ class ImportEngine : public testing::Test {
   fs::path notes() const { return folder / "notes"; }
 
   fs::path write(const std::string& name, const std::string& bytes) const {
-    const fs::path file = source() / name;
+    fs::path file = source() / name;
     fs::create_directories(file.parent_path());
     writeWhole(file, bytes);
     return file;

@@ -92,7 +92,7 @@ TEST(Corpus, IsRenamedAndElseUntouched) {
     auto tags = LKTagExtractor::extractTags(text);
     tags.emplace("a");
     for (const std::string& tag : tags) {
-      test::writeWhole(copy, head + "0\n---\n" + text);
+      test::writeWhole(copy, std::string(head).append("0\n---\n").append(text));
       const bool changes =
           !LKTagRewriter::renameInFiles({{copy, text}}, tag, "new/name", true, icons).empty();
       const std::string body = slowlyRenamed(text, tag, "new/name");

@@ -118,8 +118,7 @@ TEST_F(Index, ThatCannotBeUsedIsSaidOnceAndLeftAsItIs) {
   const std::vector<DamagedStore> cases = {
       {"truncated", [](const fs::path& store) { fs::resize_file(store, 1000); }},
       {"empty", [](const fs::path& store) { fs::resize_file(store, 0); }},
-      {"zeros",
-       [](const fs::path& store) { test::writeWhole(store, std::string(64 * 1024, '\0')); }},
+      {"zeros", [](const fs::path& store) { test::writeWhole(store, std::string(65'536, '\0')); }},
       {"words", [](const fs::path& store) { test::writeWhole(store, "not a store at all"); }},
       {"folder",
        [](const fs::path& store) {
