@@ -192,7 +192,8 @@ void IndexBuild::addFile(const std::string& path, const FolderReader::File& file
   LKNote& note = context_.notes().insert(rowOf(path, file, source));
   if (source.hasBlock) winners_[id] = {&note, nameOf(path)};
   if (wants(LKParts::words)) updateBodyDerivedCounters(note, source.body);
-  const bool isExtracted = wants(LKParts::tags) || wants(LKParts::taskLines) || wants(LKParts::links);
+  const bool isExtracted =
+      wants(LKParts::tags) || wants(LKParts::taskLines) || wants(LKParts::links);
   if (isExtracted) addExtracted(note, source);
   if (wants(LKParts::text)) note.text = std::move(source.body);
 }
