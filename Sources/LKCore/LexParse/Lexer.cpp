@@ -19,7 +19,12 @@ Lexer::Lexer(std::string_view string, std::shared_ptr<const LKProjectTermsSnapsh
 
 std::vector<LToken> Lexer::lex() {
   std::vector<LToken> tokens;
-  tokens.reserve((text().size() - index()) / 12 + 8);
+  // Two a line, and a few more. Empty lines alone would otherwise double a list of millions again
+  // and again, and fresh memory costs more than lexing.
+  const std::string_view left = text().substr(index());
+  const auto lineEnds =
+      std::ranges::count_if(left, [](const char c) { return c == '\n' || c == '\r'; });
+  tokens.reserve(static_cast<size_t>(lineEnds) * 2 + left.size() / 12 + 8);
   do {
     tokens.push_back(nextToken());
   } while (tokens.back().kind != LTokenKind::end);
