@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -54,16 +55,16 @@ constexpr std::array<LongHTML, 6> kLongHTML = {{{"<!--", "-->"},
 // Tells where such HTML begins that nothing in the body ends.
 class EndlessHTML {
  public:
-  explicit EndlessHTML(std::string_view body) {
-    for (size_t i = 0; i < kLongHTML.size(); ++i) lastEnds_[i] = lastPlace(body, kLongHTML[i].end);
-  }
+  explicit EndlessHTML(std::string_view body) : body_(body) {}
 
   // `place` is where the text begins in the body.
-  bool beginsWith(std::string_view text, size_t place) const {
+  bool beginsWith(std::string_view text, size_t place) {
     if (!text.starts_with('<')) return false;
     const std::string start = text::lowercased(text.substr(0, kLongestStart)) + "\n";
     for (size_t i = 0; i < kLongHTML.size(); ++i) {
-      if (start.starts_with(kLongHTML[i].start)) return place >= lastEnds_[i];
+      if (!start.starts_with(kLongHTML[i].start)) continue;
+      if (!lastEnds_[i]) lastEnds_[i] = lastPlace(body_, kLongHTML[i].end);
+      return place >= *lastEnds_[i];
     }
     return false;
   }
@@ -81,7 +82,8 @@ class EndlessHTML {
     return found == body.end() ? 0 : static_cast<size_t>(found - body.begin());
   }
 
-  std::array<size_t, kLongHTML.size()> lastEnds_{};
+  std::string_view body_;
+  std::array<std::optional<size_t>, kLongHTML.size()> lastEnds_;  // searched for once needed
 };
 
 std::string_view indentOf(std::string_view line) {
@@ -110,7 +112,7 @@ void levelFences(std::vector<std::string_view>& lines) {
 // The body so that it ends with its note: an open fence is closed, and HTML that never ends, which
 // would take in all that follows, shows.
 std::string sealed(std::string_view body) {
-  const EndlessHTML endless(body);
+  EndlessHTML endless(body);
   std::string result;
   result.reserve(body.size() + 8);
   std::vector<std::string_view> lines = text::split(body, '\n');
