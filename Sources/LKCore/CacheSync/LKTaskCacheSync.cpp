@@ -150,7 +150,7 @@ Outcome syncTasks(const UUID& noteID, std::string_view body,
   if (notes.empty()) return NoteNotFound{};
   LKNote& note = *notes.front();
   const ExtractionResult found = LKTagExtractor::extract(body);
-  const std::vector<std::string_view> tags(found.tags.begin(), found.tags.end());
+  const std::vector<std::string_view> tags(found.projectTags.begin(), found.projectTags.end());
   const auto inherited = inheritableProject(tags);
   TaskRows rows(note, taskEntries, context);
   bool isChanged = false;

@@ -49,7 +49,7 @@ LKTag& tagRow(const std::string& tag, ImportContext& batch) {
 
 void addTaskRows(LKNote& note, const std::vector<TaskEntry>& entries, const ExtractionResult& found,
                  LKContext& context) {
-  const std::vector<std::string_view> tags(found.tags.begin(), found.tags.end());
+  const std::vector<std::string_view> tags(found.projectTags.begin(), found.projectTags.end());
   const auto inherited = LKTaskCacheSync::inheritableProject(tags);
   auto entry = entries.begin();  // both lists are in the order of the lines
   for (const TaskInfo& info : found.tasks) {

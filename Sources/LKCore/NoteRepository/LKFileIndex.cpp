@@ -257,7 +257,7 @@ void IndexBuild::addTasks(LKNote& note, const NoteSource& source, const Extracti
   const std::vector<TaskEntry> entries =
       haveIDs ? deriveTaskEntries(source.body, source.frontMatter.taskEntries)
               : std::vector<TaskEntry>();
-  const std::vector<std::string_view> tags(found.tags.begin(), found.tags.end());
+  const std::vector<std::string_view> tags(found.projectTags.begin(), found.projectTags.end());
   const auto inherited = LKTaskCacheSync::inheritableProject(tags, *terms_);
   auto entry = entries.begin();  // both lists are in the order of the lines
   for (const TaskInfo& info : found.tasks) {

@@ -26,13 +26,16 @@ namespace fs = std::filesystem;
 // Fills a set of texts in which canonically equal texts are one.
 class TextCollector {
  public:
-  void insert(std::string_view text) {
+  // False when the set has the text already.
+  bool insert(std::string_view text) {
     const auto place = texts_.lower_bound(text);
-    if (place != texts_.end() && *place == text) return;
+    if (place != texts_.end() && *place == text) return false;
     // A text of ASCII alone equals none but itself.
     const bool isASCII =
         std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    if (isASCII || composed_.insert(text::composed(text)).second) texts_.emplace_hint(place, text);
+    if (!isASCII && !composed_.insert(text::composed(text)).second) return false;
+    texts_.emplace_hint(place, text);
+    return true;
   }
 
   ExtractionResult::Texts take() { return std::move(texts_); }
@@ -76,7 +79,8 @@ class TagExtraction {
       : text_(text),
         attachmentsDirectory_(attachmentsDirectory),
         now_(now),
-        lexer_(text, std::move(projectTerms)) {}
+        projectTerms_(std::move(projectTerms)),
+        lexer_(text, projectTerms_) {}
 
   ExtractionResult run() {
     while (goToNextLineOfUse()) takeLine();
@@ -94,6 +98,7 @@ class TagExtraction {
   void takeLine();
   void passFencedLines();
   void take(const LToken& token);
+  void takeTag(std::string_view tag);
   void takeImage(std::string_view reference);
   void takeMeta(std::string_view key, std::string_view value);
   void takeContexts(std::string_view list);
@@ -105,6 +110,7 @@ class TagExtraction {
   std::string_view text_;
   const std::optional<fs::path>& attachmentsDirectory_;
   Instant now_;
+  std::shared_ptr<const LKProjectTermsSnapshot> projectTerms_;
   Lexer lexer_;
   size_t lineStart_ = 0;  // of the line to be read next
   int line_ = 0;          // its number
@@ -220,7 +226,7 @@ void TagExtraction::take(const LToken& token) {
     case LTokenKind::taskMeta:
       return takeMeta(token.key, token.text);
     case LTokenKind::tag:
-      tags_.insert(token.text.substr(1));
+      takeTag(token.text.substr(1));
       break;
     case LTokenKind::dateRef:
       dateRefs_.insert(token.text.substr(1));
@@ -236,6 +242,11 @@ void TagExtraction::take(const LToken& token) {
   }
   // Behind a checkbox every token's source form is what stands in the text.
   if (inTask_) taskText_.append(token.range.of(text_));
+}
+
+void TagExtraction::takeTag(std::string_view tag) {
+  const bool isNew = tags_.insert(tag);
+  if (isNew && projectTerms_->projectNameOffset(tag)) result_.projectTags.emplace_back(tag);
 }
 
 void TagExtraction::takeImage(std::string_view reference) {

@@ -55,6 +55,7 @@ struct ExtractionResult {
   std::vector<TaskInfo> tasks;                // in the order of their lines
   std::vector<std::string> imageAttachments;  // file names as written, with repeats
   Texts backlinks;                            // what stands between "[[" and "]]"; as for `tags`
+  std::vector<std::string> projectTags;       // those of `tags` that name a project, as they come
 
   bool operator==(const ExtractionResult&) const = default;
 };

@@ -91,6 +91,13 @@ TEST_F(StoreSync, MakesTheRowsThoseOfTheText) {
             LKTaskCacheSync::Outcome(NoteNotFound{}));
 }
 
+TEST_F(StoreSync, InheritsAProjectAsItIsFirstSpelt) {
+  sync("#projects/b #projects/B\n- [ ] Sow");
+  EXPECT_EQ(note.tasks[0]->project, "b");
+  sync("#projects/B #projects/b\n- [ ] Sow");
+  EXPECT_EQ(note.tasks[0]->project, "B");
+}
+
 TEST_F(StoreSync, TakesATaskThatMovedHereAndKeepsOneWithoutAnEntry) {
   sync("- [ ] Moved");
   const UUID moved = note.tasks[0]->id;
