@@ -1,6 +1,7 @@
 #include "LarkspireCLI/Commands/TagsCommands.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <iterator>
 #include <map>
@@ -9,7 +10,6 @@
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
-#include "LKCore/NoteFiles/LKSyncError.h"
 #include "LKCore/NoteRepository/LKFileIndex.h"
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Tags/LKTagExtractor.h"
@@ -38,11 +38,34 @@ namespace {
 struct TagUse {
   std::vector<std::string> allTags;  // of all notes, sorted
   std::map<fs::path, std::string>
-      files;  // those that carry the tag or one below it, and their text
+      files;                         // those that carry the tag or one below it, and their text
+  std::vector<fs::path> plainFiles;  // they carry it too, but are no notes
+  std::vector<fs::path> otherFiles;  // nobody can tell
+  KeptNotes unreadable;
 };
 
 std::string cleaned(std::string_view path) {
   return std::string(TagArgument::withoutHash(text::trimmed(path)));
+}
+
+void scanFile(TagUse& use, ExtractionResult::Texts& all, const fs::path& file,
+              const std::string& tag) {
+  std::string bytes = readFile(file);
+  if (!text::isValidUTF8(bytes)) {
+    use.otherFiles.push_back(file);
+    return;
+  }
+  const auto document = parseDocumentIfValid(bytes);
+  const auto tags = LKTagExtractor::extractTags(document ? document->body : bytes);
+  if (document) all.insert(tags.begin(), tags.end());
+  const bool usesTag = std::ranges::any_of(
+      tags, [&](const std::string& each) { return tags::lengthOfTop(each, tag).has_value(); });
+  if (!usesTag) return;
+  if (document) {
+    use.files.emplace(file, std::move(bytes));
+  } else {
+    use.plainFiles.push_back(file);  // what has no block of ours is not changed
+  }
 }
 
 TagUse scan(const fs::path& collection, const std::string& tag) {
@@ -51,17 +74,9 @@ TagUse scan(const fs::path& collection, const std::string& tag) {
   for (const fs::path& file : LKFileIndex::noteFiles(collection)) {
     if (isInTrash(file, collection)) continue;
     try {
-      std::string bytes = readFile(file);
-      if (!text::isValidUTF8(bytes)) continue;
-      const auto tags = LKTagExtractor::extractTags(parseDocument(bytes).body);
-      all.insert(tags.begin(), tags.end());
-      const bool usesTag = std::ranges::any_of(
-          tags, [&](const std::string& each) { return tags::lengthOfTop(each, tag).has_value(); });
-      if (usesTag) use.files.emplace(file, std::move(bytes));
-    } catch (const LKSyncError&) {
-      continue;  // no note: what has no block of ours is not changed
-    } catch (const FileError&) {
-      continue;
+      scanFile(use, all, file, tag);
+    } catch (const FileError& error) {
+      if (error.code() != ENOENT) use.unreadable.add(file, error);
     }
   }
   use.allTags.assign(all.begin(), all.end());
@@ -134,13 +149,19 @@ void TagsRenameCommand::run() {
   if (text::equal(from, to)) throw CLIError::general("The new name is the same as the old one.");
   requireWritable(collection);
   const TagUse use = scan(collection, from);
-  if (use.files.empty()) throw CLIError::general("No note uses #" + from + ".");
+  tellLeftFiles(options, use.plainFiles, "no front matter of a note that can be read");
+  tellLeftFiles(options, use.otherFiles, "no UTF-8 text");
+  const std::string advice = "Re-run with --merge to rename the rest.";
+  if (use.files.empty()) {
+    use.unreadable.refuse("#" + from, advice);
+    throw CLIError::general("No note uses #" + from + ".");
+  }
   const auto collisions = LKTagRewriter::collisions(from, to, use.allTags);
   if (!collisions.empty() && !merge) {
     throw CLIError::general("#" + collisions.front() + " already exists — renaming would merge #" +
                             from + " into it. Re-run with --merge to do that.");
   }
-  KeptNotes kept;
+  KeptNotes kept = use.unreadable;
   Progress progress("Changing notes:", options.quiet);
   const auto changed = LKTagRewriter::renameInFiles(
       use.files, from, to, LKTagRewriter::isPrefix(from, use.allTags),
@@ -152,7 +173,7 @@ void TagsRenameCommand::run() {
     printMessage(options, (collisions.empty() ? "Renamed #" : "Merged #") + from + " → #" + to +
                               " in " + countOf(changed.size(), "note") + ".");
   }
-  kept.refuse("#" + from, "Re-run with --merge to rename the rest.");
+  kept.refuse("#" + from, advice);
 }
 
 }  // namespace lk

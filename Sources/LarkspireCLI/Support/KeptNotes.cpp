@@ -24,4 +24,14 @@ void KeptNotes::refuse(const std::string& what, const std::string& advice) const
   throw CLIError::writeFailed(report + "\n  " + advice);
 }
 
+void tellLeftFiles(const GlobalOptions& options, const std::vector<std::filesystem::path>& files,
+                   const std::string& reason) {
+  if (files.empty()) return;
+  const size_t more = files.size() - 1;
+  printNote(options, "Note: " + files.front().string() +
+                         (more > 0 ? " and " + countOf(more, "other file") + " stay as they are"
+                                   : " stays as it is") +
+                         ": " + reason + ".");
+}
+
 }  // namespace lk

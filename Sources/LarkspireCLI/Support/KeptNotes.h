@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "LKCore/Base/Error.h"
+#include "LarkspireCLI/Support/GlobalOptions.h"
 
 namespace lk {
 
@@ -27,5 +28,10 @@ class KeptNotes {
  private:
   std::vector<std::string> failures_;  // "/notes/Plan.md: No space left on device"
 };
+
+// Tells on standard error of files that the change passes over, by the first of them, and why.
+// Does nothing when there are none.
+void tellLeftFiles(const GlobalOptions& options, const std::vector<std::filesystem::path>& files,
+                   const std::string& reason);
 
 }  // namespace lk

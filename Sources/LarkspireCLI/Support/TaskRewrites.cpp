@@ -11,7 +11,6 @@
 #include "LKCore/NoteRepository/LKFileIndex.h"
 #include "LKCore/NoteRepository/LKNoteFileService.h"
 #include "LKCore/Platform/Files.h"
-#include "LarkspireCLI/Support/Output.h"
 #include "LarkspireCLI/Support/Progress.h"
 
 namespace lk {
@@ -56,16 +55,6 @@ RewritePlan planOf(const fs::path& collection, const GlobalOptions& options,
     progress.show(++done, files.size());
   }
   return plan;
-}
-
-void tellLeftFiles(const GlobalOptions& options, const std::vector<fs::path>& files,
-                   const std::string& reason) {
-  if (files.empty()) return;
-  const size_t more = files.size() - 1;
-  printNote(options, "Note: " + files.front().string() +
-                         (more > 0 ? " and " + countOf(more, "other file") + " stay as they are"
-                                   : " stays as it is") +
-                         ": " + reason + ".");
 }
 
 LKProjectTextRewrite::Counts rewriteNote(const fs::path& file,

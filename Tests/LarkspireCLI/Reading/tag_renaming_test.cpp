@@ -106,6 +106,21 @@ TEST_F(TagRenaming, MergesWhenAskedTo) {
   EXPECT_EQ(bodyOf(readWhole(file("Deep/B"))), "#home #home #work/site");
 }
 
+TEST_F(TagRenaming, TellsOfFilesThatAreNoNotes) {
+  test::writeWhole(file("Plain"), "#work #only-here\n");
+  test::writeWhole(file("Odd"), "\xFF #work\n");
+  const std::string left = "Note: " + file("Plain").string() +
+                           " stays as it is: no front matter of a note that can be read.\n" +
+                           "Note: " + file("Odd").string() + " stays as it is: no UTF-8 text.\n";
+  const ProcessResult unused = lk("tags|rename|only-here|there");
+  EXPECT_EQ(unused.err, left + "Error: No note uses #only-here.\n");
+  const ProcessResult result = lk("tags|rename|work|office");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "Renamed #work → #office in 3 notes.\n");
+  EXPECT_EQ(result.err, left);
+  EXPECT_EQ(readWhole(file("Plain")), "#work #only-here\n");
+}
+
 TEST_F(TagRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
   for (fs::path path = notes(); path != path.root_path(); path = path.parent_path()) {
     if (fs::status(path).permissions() == fs::perms::owner_all) {
