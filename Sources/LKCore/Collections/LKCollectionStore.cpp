@@ -42,11 +42,13 @@ bool isInside(const std::string& path, const std::string& folder) {
   return path.size() == folder.size() || folder.ends_with('/') || path[folder.size()] == '/';
 }
 
-std::optional<UUID> defaultID(const CollectionRegistry& registry) {
-  for (const LKCollectionRecord& record : registry.records()) {
+// What becomes active in place of a removed collection: the default one, else the first.
+std::optional<UUID> successorID(const CollectionRegistry& registry) {
+  const std::vector<LKCollectionRecord> records = registry.records();
+  for (const LKCollectionRecord& record : records) {
     if (record.isDefault) return record.id;
   }
-  return std::nullopt;
+  return records.empty() ? std::nullopt : std::optional(records.front().id);
 }
 
 }  // namespace
@@ -213,7 +215,7 @@ void LKCollectionStore::remove(const UUID& id) {
   }
   change([&](CollectionRegistry& registry) {
     registry.remove(id);
-    if (registry.activeID() == id) registry.setActiveID(defaultID(registry));
+    if (registry.activeID() == id) registry.setActiveID(successorID(registry));
   });
 }
 

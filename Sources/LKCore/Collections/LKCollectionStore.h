@@ -90,7 +90,8 @@ class LKCollectionStore {
   LKCollectionRecord registerCollection(const LKCollectionRegistration& registration);
 
   // Drops the record and the collection's cache files, never its folder. When it was active, the
-  // default record becomes active. An id that is not registered changes nothing. Throws FileError.
+  // default record becomes active, or the first one where no default is registered. An id that is
+  // not registered changes nothing. Throws FileError.
   void remove(const UUID& id);
 
   // Makes the collection active, stamps when it was opened and posts kCollectionDidSwitch. An id

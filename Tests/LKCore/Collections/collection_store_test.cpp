@@ -122,6 +122,16 @@ TEST_F(CollectionStore, RemovingGoesBackToTheDefaultAndDropsTheCacheOnly) {
   EXPECT_EQ(open().activeCollection()->name, "Larkspire");
 }
 
+TEST_F(CollectionStore, RemovingWithoutADefaultGoesOnWithTheFirst) {
+  LKCollectionStore store = open();
+  const LKCollectionRecord first = store.registerCollection(folderNamed("First"));
+  const LKCollectionRecord second = store.registerCollection(folderNamed("Second"));
+  store.remove(first.id);
+  EXPECT_EQ(open().activeCollectionID(), second.id);
+  store.remove(second.id);
+  EXPECT_FALSE(open().activeCollectionID());
+}
+
 TEST_F(CollectionStore, SwitchingStampsAndTells) {
   LKCollectionStore store = open();
   store.ensureDefaultCollection();
