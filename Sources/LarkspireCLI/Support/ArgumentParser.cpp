@@ -10,20 +10,21 @@ namespace lk {
 
 namespace {
 
-// CLI11 reads `--content= next` as `--content next`. No argument of a process can hold a NUL byte,
-// so one behind the "=" says that an empty value is there; it is taken off again on the way out.
-constexpr char emptyValueMark = '\0';
+// CLI11 reads `--content= next` as `--content next`, and `--json=true` as `--json`. No argument of
+// a process can hold a NUL byte, so one at the end of what has an "=" says that a value is there;
+// it is taken off again on the way out.
+constexpr char assignedValueMark = '\0';
 
 // What CLI11 holds for a flag that was given without a value.
 constexpr std::string_view plainFlag = "true";
 
 std::string marked(const std::string& word) {
-  const bool emptyValue = word.starts_with("--") && word.find('=') == word.size() - 1;
-  return emptyValue ? word + emptyValueMark : word;
+  const bool isAssigned = word.starts_with("--") && word.find('=') != std::string::npos;
+  return isAssigned ? word + assignedValueMark : word;
 }
 
 std::string unmarked(std::string word) {
-  if (!word.empty() && word.back() == emptyValueMark) word.pop_back();
+  if (!word.empty() && word.back() == assignedValueMark) word.pop_back();
   return word;
 }
 

@@ -136,6 +136,7 @@ const WordsCase refusedCases[] = {
      "'99999999999' isn't a whole number for '--limit'."},
     {"empty_number", {"T", "--limit="}, "'' isn't a whole number for '--limit'."},
     {"flag_with_value", {"T", "--force=no"}, "Option '--force' doesn't take a value."},
+    {"flag_with_true", {"T", "--force=true"}, "Option '--force' doesn't take a value."},
     {"flag_with_nothing", {"T", "--force="}, "Option '--force' doesn't take a value."},
     {"help_outweighs_faults", {"--wrong", "--limit", "x", "-h"}, "<> help"},
 };
