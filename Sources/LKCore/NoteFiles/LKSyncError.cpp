@@ -61,14 +61,14 @@ std::string_view LKSyncError::recoverySuggestion() const noexcept {
     case Case::fileCoordinationFailed:
       return "Try again in a moment. This is usually a temporary issue.";
     case Case::readFailed:
+    case Case::containerNotFound:
+      return "Try signing out and back into iCloud Drive.";
     case Case::writeFailed:
       return "Check that iCloud Drive is enabled and you have enough storage.";
     case Case::invalidFrontMatter:
       return "This file may be corrupted. Try deleting it and recreating the note.";
     case Case::iCloudUnavailable:
       return "Enable iCloud Drive in Settings and sign in with your Apple ID.";
-    case Case::containerNotFound:
-      return "Try signing out and back into iCloud Drive.";
   }
   return {};
 }

@@ -51,6 +51,12 @@ void applyProperties(std::map<std::string, std::string>& properties,
   }
 }
 
+bool hasArchivedStatus(const LKFileFrontMatter& frontMatter) {
+  const auto status = frontMatter.userProperties.find("status");
+  return status != frontMatter.userProperties.end() &&
+         text::lowercased(status->second) == "archived";
+}
+
 LKFileFrontMatter frontMatterFor(const NewNote& note, const std::string& baseName, UUID id,
                                  const std::string& body) {
   LKFileFrontMatter frontMatter;
@@ -82,8 +88,12 @@ LKParsedDocument applyChange(const fs::path& url, const NoteChange& change) {
   LKFileFrontMatter& frontMatter = document.frontMatter;
   std::string body = normaliseIndentation(document.body);
   if (change.documentTransform) change.documentTransform(body, frontMatter);
-  if (change.bodyTransform) body = change.bodyTransform(std::move(body));
+  // What comes in is brought to the form of what is there: reading would take CR LF for two ends.
+  if (change.bodyTransform) body = normaliseIndentation(change.bodyTransform(std::move(body)));
+  // Reading made a flag of the property; the flag goes with it.
+  const bool wasArchived = hasArchivedStatus(frontMatter);
   applyProperties(frontMatter.userProperties, change.propertyUpdates);
+  if (wasArchived && !hasArchivedStatus(frontMatter)) frontMatter.isArchived = false;
   if (change.isFavourite) frontMatter.isFavourite = *change.isFavourite;
   if (change.blockTransform) change.blockTransform(frontMatter);
   document.body = std::move(body);
@@ -122,11 +132,7 @@ fs::path create(const NewNote& note, FreeNames& names, Durability durability) {
 
 void bringBack(LKFileFrontMatter& frontMatter) {
   frontMatter.isArchived = false;
-  const auto status = frontMatter.userProperties.find("status");
-  if (status != frontMatter.userProperties.end() &&
-      text::lowercased(status->second) == "archived") {
-    frontMatter.userProperties.erase(status);
-  }
+  if (hasArchivedStatus(frontMatter)) frontMatter.userProperties.erase("status");
 }
 
 fs::path createNote(const NewNote& note, const fs::path& collectionRoot) {
@@ -213,6 +219,8 @@ void moveNote(const fs::path& from, const fs::path& to) {
 
 void deleteNotePermanently(const fs::path& url) {
   assertWritable(url);
+  // Waits for a change of the note that is under way, which would put the file there again.
+  const FileLock lock = FileLock::forUpdate(url);
   removeFile(url);
 }
 

@@ -42,7 +42,8 @@ struct NewNote {
 };
 
 struct NoteChange {
-  // The new body made from the old one, whose indentation is normalised already.
+  // The new body made from the old one, whose indentation is normalised already; that of the new
+  // one is normalised as well.
   std::function<std::string(std::string body)> bodyTransform;
   // Nothing as a value removes the property.
   std::map<std::string, std::optional<std::string>> propertyUpdates;

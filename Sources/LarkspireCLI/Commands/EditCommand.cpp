@@ -21,9 +21,10 @@ std::string appended(std::string body, const std::string& text) {
 }
 
 std::string prependedAfterHeading(const std::string& body, const std::string& text) {
-  size_t heading = body.starts_with('#') ? 0 : body.find("\n#");
-  if (heading == std::string::npos) return text + "\n\n" + body;
-  if (heading > 0) ++heading;
+  const size_t lineBefore = body.find("\n#");
+  const bool isFirstLine = body.starts_with('#');
+  if (!isFirstLine && lineBefore == std::string::npos) return text + "\n\n" + body;
+  const size_t heading = isFirstLine ? 0 : lineBefore + 1;
   const size_t end = std::min(body.find('\n', heading), body.size());
   return body.substr(0, end) + "\n\n" + text + body.substr(end);
 }

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 
 #include "LKCore/Base/Text.h"
 #include "LarkspireCLI/Support/CLIError.h"
@@ -30,6 +31,9 @@ std::optional<std::string> pipedInput() {
                               std::string(std::strerror(errno)));
     }
   }
+  // Nobody typed it, and it would hide a heading or a task in the first line.
+  static constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (input.starts_with(kByteOrderMark)) input.erase(0, kByteOrderMark.size());
   if (input.empty()) return std::nullopt;
   if (!text::isValidUTF8(input)) {
     throw CLIError::general("Standard input is not valid UTF-8 text. Nothing was changed.");

@@ -99,6 +99,7 @@ TEST(DocumentFile, SaysWhatWentWrongAndLeavesTheFile) {
     EXPECT_EQ(error.description(), "Failed to read None.md: No such file or directory");
     EXPECT_EQ(error.code(), ENOENT);
     EXPECT_EQ(error.url(), folder / "None.md");
+    EXPECT_EQ(error.recoverySuggestion(), "Try signing out and back into iCloud Drive.");
   }
 }
 

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -157,6 +159,21 @@ TEST(UpdateNote, KeepsWhatItWasNotAskedToChange) {
   EXPECT_EQ(after.frontMatter.taskEntries[1], before.taskEntries[1]);
 }
 
+TEST(UpdateNote, EndsTheArchiveStateWithThePropertyThatSaidSo) {
+  const test::TempFolder folder;
+  const fs::path file = makeNote(folder, "Plan", "words");
+  for (const std::optional<std::string>& next : {std::optional<std::string>("Draft"), {}}) {
+    NoteChange change;
+    change.propertyUpdates["status"] = "archived";
+    LKNoteFileService::updateNote(file, change);
+    LKNoteFileService::updateNote(file, appending("!"));
+    EXPECT_TRUE(documentAt(file).frontMatter.isArchived);
+    change.propertyUpdates["status"] = next;
+    LKNoteFileService::updateNote(file, change);
+    EXPECT_FALSE(documentAt(file).frontMatter.isArchived);
+  }
+}
+
 TEST(UpdateNote, RefusesAFileWithoutABlockAndLeavesIt) {
   const test::TempFolder folder;
   for (const std::string& text : {std::string("plain"), std::string("---\nid: x\n---\nbody"),
@@ -227,6 +244,22 @@ TEST(MoveNote, NeverReplacesAFile) {
   EXPECT_EQ(documentAt(folder / "one.md").body, "1");
   LKNoteFileService::deleteNotePermanently(two);
   EXPECT_FALSE(fs::exists(two));
+}
+
+TEST(DeleteNote, WaitsForAChangeThatIsUnderWay) {
+  const test::TempFolder folder;
+  const fs::path file = makeNote(folder, "Plan", "words");
+  std::thread deleting;
+  NoteChange change;
+  change.bodyTransform = [&](const std::string& body) {
+    deleting = std::thread([&] { LKNoteFileService::deleteNotePermanently(file); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(fs::exists(file));
+    return body + "!";
+  };
+  LKNoteFileService::updateNote(file, change);
+  deleting.join();
+  EXPECT_FALSE(fs::exists(file));
 }
 
 TEST(BringBack, RemovesOnlyTheArchiveState) {
