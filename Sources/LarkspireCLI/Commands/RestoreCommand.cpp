@@ -1,9 +1,12 @@
 #include "LarkspireCLI/Commands/RestoreCommand.h"
 
+#include <cerrno>
 #include <filesystem>
+#include <system_error>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKNoteFilename.h"
+#include "LKCore/Platform/Files.h"
 #include "LarkspireCLI/Support/CLIError.h"
 #include "LarkspireCLI/Support/CollectionLocation.h"
 #include "LarkspireCLI/Support/NoteFinder.h"
@@ -16,6 +19,16 @@ namespace lk {
 namespace fs = std::filesystem;
 
 namespace {
+
+std::vector<fs::path> notesOf(const fs::path& trash) {
+  // A trash that cannot be read is not an empty one.
+  std::error_code error;
+  const fs::directory_iterator entries(trash, error);
+  if (error && error.value() != ENOENT) {
+    throw CLIError::general("Could not read " + FileError(trash, error.value()).description());
+  }
+  return NoteFinder::notesDirectlyIn(trash);
+}
 
 fs::path trashedNote(const std::vector<fs::path>& trashed,
                      const std::optional<std::string>& reference,
@@ -41,7 +54,7 @@ void RestoreCommand::declare(ArgumentList& arguments) {
 
 void RestoreCommand::run() {
   const fs::path collection = resolvedCollection(options.collection, options.quiet);
-  const std::vector<fs::path> trashed = NoteFinder::notesDirectlyIn(collection / ".trash");
+  const std::vector<fs::path> trashed = notesOf(collection / ".trash");
   if (trashed.empty()) throw CLIError::general("Trash is empty — nothing to restore.");
   if (!reference && !id) throw CLIError::general("Provide a trashed note title or --id UUID.");
   const fs::path note = trashedNote(trashed, reference, id);

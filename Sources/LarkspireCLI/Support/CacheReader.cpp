@@ -43,6 +43,14 @@ void tellOnce(const std::function<std::string()>& text) {
   printError(text());
 }
 
+// "No notes found" is not the truth about a folder that may not be read.
+void tellWhenUnreadable(const fs::path& folder) {
+  std::error_code failure;
+  const fs::directory_iterator entries(folder, failure);
+  if (!failure || collectionRun().quiet) return;
+  printError("Warning: could not read " + FileError(folder, failure.value()).description());
+}
+
 std::string hint(AppIndexAccess::Access access) {
   if (access != AppIndexAccess::Access::denied) {
     return "Note: lk read your note files directly, because Larkspire hasn't indexed this "
@@ -129,6 +137,7 @@ LKContext* CacheReader::fileIndex() {
   FileIndexMemo& memo = fileIndexMemo();
   if (!memo.index || memo.collection != *folder || !hasParts(memo.parts, parts_)) {
     const LKParts parts = memo.collection == *folder ? memo.parts | parts_ : parts_;
+    if (memo.collection != *folder) tellWhenUnreadable(*folder);
     memo = {*folder, parts, LKFileIndex::build(*folder, parts)};
   }
   files_ = memo.index;

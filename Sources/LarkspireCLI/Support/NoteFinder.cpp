@@ -1,6 +1,7 @@
 #include "LarkspireCLI/Support/NoteFinder.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <set>
 #include <string_view>
 #include <tuple>
@@ -35,25 +36,40 @@ std::string_view titleOf(std::string_view fileName) {
   return LKNoteFilename::isUUIDBasename(base) ? std::string_view("Untitled") : base;
 }
 
-// Calls `visit` with every note file of the collection until it says stop: daily notes after the
-// others, trashed ones last.
+bool isBelowTrash(const fs::path& folder, const WalkEntry& entry) {
+  return folder.native().ends_with("/.trash") || entry.relativePath.starts_with(".trash/") ||
+         entry.relativePath.find("/.trash/") != std::string_view::npos;
+}
+
+// Calls `visit` with every note file of the collection: those of LKFileIndex, so that whatever is
+// listed can be found, and those in the folders of daily and trashed notes where these are links.
 void walkNotes(const fs::path& collection, const std::function<void(const std::string&)>& warn,
-               const std::function<WalkStep(const fs::path& folder, const WalkEntry&)>& visit) {
+               const std::function<void(const fs::path& folder, const WalkEntry&)>& visit) {
   WalkOptions options;
+  options.hiddenFolders = {".daily", ".trash", ".templates"};
+  fs::path folder;
   options.onProblem = [&](const WalkProblem& problem) {
     if (problem.kind == WalkProblem::Kind::nameNotUTF8) {
       warn("Warning: skipped a file whose name is not valid UTF-8: " +
            text::escapedInvalid(problem.relativePath));
+    } else if (problem.code != ENOENT) {  // else it has just gone
+      warn("Warning: skipped a folder that cannot be read: " +
+           FileError(problem.relativePath.empty() ? folder : folder / problem.relativePath,
+                     problem.code)
+               .description());
     }
   };
-  for (const fs::path& folder : {collection, collection / ".daily", collection / ".trash"}) {
-    const bool reachedEnd = walkFolder(
+  for (const fs::path& each : {collection, collection / ".daily", collection / ".trash"}) {
+    std::error_code ignored;
+    if (each != collection && !fs::is_symlink(each, ignored)) continue;
+    folder = each;
+    walkFolder(
         folder,
         [&](const WalkEntry& entry) {
-          return isNoteEntry(entry) ? visit(folder, entry) : WalkStep::proceed;
+          if (isNoteEntry(entry)) visit(folder, entry);
+          return WalkStep::proceed;
         },
         options);
-    if (!reachedEnd) return;
   }
 }
 
@@ -72,16 +88,20 @@ std::optional<ResolvedNote> resolvedNote(const fs::path& url) {
   return ResolvedNote{url, id ? *id : UUID::random(), LKNoteFilename::displayName(url)};
 }
 
+// Of files that share an id the one that an index keeps: a live one before one in the trash, then
+// the smallest name, then the first path. They are read in that order, so the first is the one.
 std::optional<ResolvedNote> noteWithID(UUID id, const fs::path& collection,
                                        const std::function<void(const std::string&)>& warn) {
-  std::optional<ResolvedNote> found;
+  std::vector<std::tuple<bool, std::string, std::string>> files;  // trashed, name, path
   walkNotes(collection, warn, [&](const fs::path& folder, const WalkEntry& entry) {
-    const fs::path url = folder / entry.relativePath;
-    if (identityOf(url) != id) return WalkStep::proceed;
-    found = ResolvedNote{url, id, std::string(titleOf(entry.name))};
-    return WalkStep::stop;
+    std::string path = (folder / "").string().append(entry.relativePath);
+    files.emplace_back(isBelowTrash(folder, entry), entry.name, std::move(path));
   });
-  return found;
+  std::ranges::sort(files);
+  for (const auto& [isTrashed, name, path] : files) {
+    if (identityOf(path) == id) return ResolvedNote{path, id, std::string(titleOf(name))};
+  }
+  return std::nullopt;
 }
 
 // The place in the collection of a note that an index knows, where it can still be meant: a note
@@ -149,11 +169,10 @@ std::optional<ResolvedNote> best(std::vector<PartialMatch> matches) {
 std::optional<ResolvedNote> noteByTitle(const std::string& reference, const fs::path& collection,
                                         const std::function<void(const std::string&)>& warn) {
   const std::string key = text::caseInsensitiveKey(reference);
-  const fs::path trash = collection / ".trash";
   std::set<std::tuple<bool, bool, fs::path>> exact;  // trashed, another case, path: the best first
   std::vector<PartialMatch> partial;
   walkNotes(collection, warn, [&](const fs::path& folder, const WalkEntry& entry) {
-    const bool isTrashed = folder == trash;
+    const bool isTrashed = isBelowTrash(folder, entry);
     const std::string_view title = titleOf(entry.name);
     const std::string titleKey = text::caseInsensitiveKey(title);
     if (titleKey == key) {
@@ -161,7 +180,6 @@ std::optional<ResolvedNote> noteByTitle(const std::string& reference, const fs::
     } else if (!isTrashed && titleKey.find(key) != std::string::npos) {
       partial.push_back({folder / entry.relativePath, std::string(title), {}});
     }
-    return WalkStep::proceed;
   });
   for (const auto& [isTrashed, isOtherCase, url] : exact) {
     if (auto note = resolvedNote(url)) return note;

@@ -29,10 +29,11 @@ namespace NoteFinder {
 // note is found by its UUID or whole title where no other note has them: so the title of a note
 // just deleted never stands for another note that has it as a part. Among several equal titles the
 // one in the same case wins, then the first path; among several partial ones the most recently
-// changed, then the first by title.
+// changed, then the first by title. Of files that share an id it is the one that LKFileIndex lists.
 //
 // Nothing when no note fits. Never throws for unreadable files or folders: they are passed over.
-// Never makes `cache` build an index. `warn` hears of file names that cannot be used, once each.
+// Never makes `cache` build an index. `warn` hears of file names that cannot be used and of folders
+// that cannot be read, once each.
 std::optional<ResolvedNote> resolve(const std::string& reference,
                                     const std::filesystem::path& collection, CacheReader& cache,
                                     const std::function<void(const std::string&)>& warn);

@@ -125,6 +125,17 @@ TEST_F(Faults, AFolderThatMayNotBeReadSaysSo) {
   }
 }
 
+TEST_F(Faults, ATrashThatMayNotBeReadIsNotCalledEmpty) {
+  ASSERT_EQ(lk({"create", "Plan", "--content", "words"}).status, 0);
+  ASSERT_EQ(lk({"delete", "Plan"}).status, 0);
+  allowEveryone();
+  fs::permissions(notes() / ".trash", fs::perms::none);
+  const ProcessResult unreadable = lkAsNobody({"restore", "Plan"});
+  fs::permissions(notes() / ".trash", fs::perms{0755});
+  EXPECT_EQ(unreadable.status, 1);
+  EXPECT_NE(unreadable.err.find(".trash: Permission denied"), std::string::npos) << unreadable.err;
+}
+
 TEST_F(Faults, AFullDiskLeavesTheNoteWholeAndNothingBesideIt) {
   // A disk of its own where this user may mount one, else the kernel's limit on a file's size.
   const bool mounted = mount("tmpfs", notes().c_str(), "tmpfs", 0, "size=256k") == 0;
@@ -149,6 +160,21 @@ TEST_F(Faults, AFullDiskLeavesTheNoteWholeAndNothingBesideIt) {
     names.push_back(entry.path().filename());
   EXPECT_EQ(names, std::vector<std::string>{"Plan.md"});
   if (mounted) umount2(notes().c_str(), MNT_DETACH);
+}
+
+TEST_F(Faults, NotesInAFolderThatMayNotBeReadAreNotJustMissing) {
+  fs::create_directory(notes() / "Projects");
+  allowEveryone();
+  fs::permissions(notes() / "Projects", fs::perms::none);
+  const ProcessResult shown = lkAsNobody({"show", "Plan"});
+  fs::permissions(notes() / "Projects", fs::perms{0755});
+  EXPECT_EQ(shown.status, 2);
+  EXPECT_NE(shown.err.find("Projects: Permission denied"), std::string::npos) << shown.err;
+
+  fs::permissions(notes(), fs::perms{0311});
+  const ProcessResult listed = lkAsNobody({"list"});
+  fs::permissions(notes(), fs::perms{0755});
+  EXPECT_NE(listed.err.find("Notes: Permission denied"), std::string::npos) << listed.err;
 }
 
 TEST_F(Faults, AVanishedCollectionIsNotFound) {

@@ -32,6 +32,10 @@ class Finding : public testing::Test {
     note(".trash/Trashed", 6);
     note(".trash/Shed", 0);
     note(".trash/Old", 0);
+    note("Projects/.daily/20250101", 10);
+    note("Projects/.trash/Dropped", 11);
+    note(".templates/Meeting", 12);
+    note(".attachments/Scanned", 13);
     note("Trip.textbundle/Hidden in a package", 7);
     note("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F", 8);
     test::writeWhole(folder / "Plain.MD", "no block");
@@ -71,6 +75,21 @@ TEST_F(Finding, PrefersTheExactTitleThenAnyCaseThenAPart) {
   EXPECT_EQ(found("Plain"), "Plain.MD");
 }
 
+TEST_F(Finding, LooksIntoTheHiddenFoldersThatListsLookInto) {
+  EXPECT_EQ(found("20250101"), "Projects/.daily/20250101.md");
+  EXPECT_EQ(found("Dropped"), "Projects/.trash/Dropped.md");
+  EXPECT_EQ(found(ids.at("Projects/.trash/Dropped").text()), "Projects/.trash/Dropped.md");
+  EXPECT_EQ(found("meeting"), ".templates/Meeting.md");
+  EXPECT_EQ(found("Scanned"), "nothing");
+  EXPECT_EQ(found("Drop"), "nothing");  // a part of a trashed title
+}
+
+TEST_F(Finding, FollowsALinkToTheDailyNotes) {
+  fs::rename(folder / ".daily", folder / ".elsewhere");
+  fs::create_directory_symlink(".elsewhere", folder / ".daily");
+  EXPECT_EQ(found("20260314"), ".daily/20260314.md");
+}
+
 TEST_F(Finding, FindsATrashedNoteByItsWholeTitleWhereNoOtherHasIt) {
   EXPECT_EQ(found("trashed"), ".trash/Trashed.md");
   EXPECT_EQ(found("Shed"), "Projects/Shed.md");
@@ -90,6 +109,16 @@ TEST_F(Finding, LooksForAUUIDInTheBlocksAlone) {
   EXPECT_EQ(found(ids.at(".trash/Trashed").text()), ".trash/Trashed.md");
   // A file of that name has another id.
   EXPECT_EQ(found("6F0C2A9E-41B7-4E55-9A7C-0E1B2C3D4E5F"), "nothing");
+}
+
+// A copy that a sync program left: what is listed under an id is what the id finds.
+TEST_F(Finding, TakesOfFilesThatShareAnIDTheOneThatIsListed) {
+  LKFileFrontMatter block;
+  block.id = UUID::random();
+  for (const char* path : {".trash/a.md", "b.md", "Projects/aa.md", "c.md"}) {
+    test::writeWhole(folder / path, serialize(block, "body"));
+  }
+  EXPECT_EQ(found(block.id.text()), "Projects/aa.md");
 }
 
 TEST_F(Finding, ReadsABlockOfAnySize) {
@@ -112,6 +141,7 @@ TEST_P(StandardInput, CountsOnlyWhenItHoldsData) {
   const test::Sandbox sandbox;
   fs::create_directory(sandbox.home() / "Notes");
   test::writeWhole(sandbox.home() / "file.txt", "from a file");
+  test::writeWhole(sandbox.home() / "marked.txt", "\xEF\xBB\xBF# H");
   const std::string tool = std::string("'") + LK_TOOL_PATH + "' ";
   ASSERT_EQ(sandbox.lk({"create", "X", "--content", "old", "--collection", "Notes"}).status, 0);
   const ProcessResult edited = sandbox.run(
@@ -124,6 +154,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, StandardInput,
                          testing::Values(InputCase{"nothing", "</dev/null", "old\n"},
                                          InputCase{"closed", "<&-", "old\n"},
                                          InputCase{"a_file", "<file.txt", "from a file\n"},
+                                         InputCase{"with_a_mark", "<marked.txt", "# H\n"},
                                          InputCase{"text_option_wins", "--append a <file.txt",
                                                    "old\n\na\n"}),
                          [](const auto& row) { return row.param.name; });
@@ -154,6 +185,7 @@ INSTANTIATE_TEST_SUITE_P(
     Options, Edits,
     testing::Values(
         EditCase{"content_with_line_feeds", "old", {"--content", "a\\nb"}, "a\nb"},
+        EditCase{"content_from_elsewhere", "old", {"--content", "a\r\n      b\r\n"}, "a\n\t  b\n"},
         EditCase{"append_to_nothing", "", {"--append", "a"}, "\n\na\n"},
         EditCase{"append_after_a_line_feed", "x\n", {"--append", "a"}, "x\n\na\n"},
         EditCase{"append_after_text", "x", {"--append", "a"}, "x\n\na\n"},
@@ -167,6 +199,10 @@ INSTANTIATE_TEST_SUITE_P(
                  "# H",
                  {"--prepend-after-heading", "new"},
                  "# H\n\nnew"},
+        EditCase{"prepend_after_a_heading_below_an_empty_line",
+                 "old",
+                 {"--content", "\\n# H\\nrest", "--prepend-after-heading", "new"},
+                 "\n# H\n\nnew\nrest"},
         EditCase{"all_three_in_order",
                  "old",
                  {"--append", "z", "--prepend-after-heading", "p", "--content", "# H"},
