@@ -111,7 +111,9 @@ TEST(Download, HoldsItsLimits) {
   WebServer server;
   const std::string here = "http://127.0.0.1:" + server.port();
   const auto redirect = [](const std::string& target) {
-    return "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: " + target + "\r\n\r\n";
+    // The server hangs up after each answer; who is not told would ask again on the old connection.
+    return "HTTP/1.1 302 Found\r\nConnection: close\r\nContent-Length: 0\r\nLocation: " + target +
+           "\r\n\r\n";
   };
   server.serve({{"/ok", "HTTP/1.1 200 OK\r\nContent-Type: Image/PNG; q=1\r\n\r\n0123456789"},
                 {"/big", "HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n0123456789"},
