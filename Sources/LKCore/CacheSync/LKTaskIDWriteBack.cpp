@@ -16,8 +16,9 @@ namespace fs = std::filesystem;
 namespace {
 
 // Throws FileError.
-Outcome writeIfUnchanged(std::string_view data, const fs::path& file,
+Outcome writeIfUnchanged(std::string_view data, const FileLock& lock,
                          std::string_view fingerprintBefore) {
+  const fs::path& file = lock.path();
   const auto modified = lkContentModificationDate(file);
   // Bytes that are not UTF-8 have the fingerprint of no text.
   if (fingerprint(readFile(file)) != fingerprintBefore) {
@@ -25,7 +26,7 @@ Outcome writeIfUnchanged(std::string_view data, const fs::path& file,
     return Outcome::fileChanged;
   }
   const LKOwnFileWrites::Scope inFlight(file);
-  LKFileWrite::atomically(data, file);
+  LKFileWrite::atomically(data, lock);
   if (modified) lkSetContentModificationDate(file, *modified);
   return Outcome::written;
 }
@@ -46,7 +47,9 @@ Outcome write(std::string_view data, const fs::path& url, std::string_view ifUnc
     return Outcome::failed;
   }
   try {
-    return writeIfUnchanged(data, lock->path(), ifUnchangedSince);
+    return writeIfUnchanged(data, *lock, ifUnchangedSince);
+  } catch (const FileChanged&) {
+    return Outcome::fileChanged;
   } catch (const FileError& error) {
     log::error("task-id write-back failed for " + url.string() + ": " + error.description());
     return Outcome::failed;

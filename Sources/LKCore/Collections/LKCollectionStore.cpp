@@ -200,7 +200,9 @@ LKCollectionRecord LKCollectionStore::registerCollection(
   record.bookmarkData = registration.bookmarkData;
   record.userAcceptedRisk = registration.userAcceptedRisk;
   change([&](CollectionRegistry& registry) {
-    const bool isFirst = registry.records().empty();
+    const std::vector<LKCollectionRecord> others = registry.records();
+    if (registration.check) registration.check(others);
+    const bool isFirst = others.empty();
     registry.add(record);
     if (isFirst) registry.setActiveID(record.id);
   });

@@ -41,6 +41,8 @@ struct LKCollectionRegistration {
   LKCollectionMode mode = LKCollectionMode::larkspire;
   std::optional<std::string> bookmarkData;
   bool userAcceptedRisk = false;
+  // Sees what is registered by now, when no other process can add to it, and may throw.
+  std::function<void(const std::vector<LKCollectionRecord>&)> check;
 };
 
 class LKCollectionStore {

@@ -9,6 +9,11 @@ void atomically(std::string_view data, const std::filesystem::path& url) {
   replaceFile(url, data);
 }
 
+void atomically(std::string_view data, const FileLock& lock) {
+  LKOwnFileContent::record(data, lock.path());
+  replaceFile(lock, data);
+}
+
 bool createAtomically(std::string_view data, const std::filesystem::path& url,
                       Durability durability) {
   LKOwnFileContent::record(data, url);

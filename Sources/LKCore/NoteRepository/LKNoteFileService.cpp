@@ -78,7 +78,7 @@ void writeDocument(LKParsedDocument& document, const fs::path& url, const FileLo
   frontMatter.title = LKNoteFilename::displayName(url);
   const std::string file = serialize(frontMatter, document.body);
   assertEncodable(file);
-  LKFileWrite::atomically(file, lock.path());
+  LKFileWrite::atomically(file, lock);
 }
 
 // Under the file's lock. Gives what was written.
@@ -146,20 +146,24 @@ fs::path createNote(const NewNote& note, FreeNames& names) {
 
 void updateNote(const fs::path& url, const NoteChange& change) {
   assertWritable(url);
-  const LKParsedDocument written = applyChange(url, change);
+  const LKParsedDocument written = retriedWhenChanged([&] { return applyChange(url, change); });
   updateTasksInCache(url, written.frontMatter.id, written.body, written.frontMatter.taskEntries);
 }
 
 bool updateBody(const fs::path& url,
                 const std::function<std::string(const std::string&)>& transform) {
   assertWritable(url);
-  std::optional<FileLock> lock = FileLock::forUpdate(url);
-  LKParsedDocument document = readDocument(lock->path(), url);
-  std::string body = transform(document.body);
-  if (body == document.body) return false;
-  document.body = std::move(body);
-  writeDocument(document, url, *lock);
-  lock.reset();
+  LKParsedDocument document;
+  const bool isChanged = retriedWhenChanged([&] {
+    const FileLock lock = FileLock::forUpdate(url);
+    document = readDocument(lock.path(), url);
+    std::string body = transform(document.body);
+    if (body == document.body) return false;
+    document.body = std::move(body);
+    writeDocument(document, url, lock);
+    return true;
+  });
+  if (!isChanged) return false;
   updateTasksInCache(url, document.frontMatter.id, document.body, document.frontMatter.taskEntries);
   return true;
 }
@@ -167,17 +171,20 @@ bool updateBody(const fs::path& url,
 void setFrontMatter(const fs::path& url, ModificationTime time,
                     const std::function<void(LKFileFrontMatter&)>& transform) {
   assertWritable(url);
-  std::optional<FileLock> lock = FileLock::forUpdate(url);
-  LKParsedDocument document = readDocument(lock->path(), url);
-  transform(document.frontMatter);
-  const std::string file = serialize(document.frontMatter, document.body);
-  assertEncodable(file);
-  const auto modified = lkContentModificationDate(lock->path());
-  LKFileWrite::atomically(file, lock->path());
-  if (time == ModificationTime::preserved && modified) {
-    lkSetContentModificationDate(lock->path(), *modified);
-  }
-  lock.reset();
+  LKParsedDocument document;
+  std::string file;
+  retriedWhenChanged([&] {
+    const FileLock lock = FileLock::forUpdate(url);
+    document = readDocument(lock.path(), url);
+    transform(document.frontMatter);
+    file = serialize(document.frontMatter, document.body);
+    assertEncodable(file);
+    const auto modified = lkContentModificationDate(lock.path());
+    LKFileWrite::atomically(file, lock);
+    if (time == ModificationTime::preserved && modified) {
+      lkSetContentModificationDate(lock.path(), *modified);
+    }
+  });
   updateFlagsInCache(url, document.frontMatter, file);
 }
 

@@ -85,6 +85,8 @@ std::string FileError::cause() const {
   return causeOf(code_);
 }
 
+FileChanged::FileChanged(fs::path path) : FileError(std::move(path), EBUSY) {}
+
 int errnoOf(const std::exception& error) noexcept {
   if (const auto* file = dynamic_cast<const FileError*>(&error)) return file->code();
   if (const auto* system = dynamic_cast<const std::system_error*>(&error)) {
@@ -321,11 +323,10 @@ void lockOpenForWriting(Descriptor& file, const fs::path& path) {
   if (writable && lockExclusively(writable)) file = std::move(writable);
 }
 
-bool stillNames(const fs::path& path, const Descriptor& file) {
+bool stillNames(const fs::path& path, int file) {
   struct stat named {};
   struct stat open {};
-  return fstat(file.get(), &open) == 0 && stat(path.c_str(), &named) == 0 &&
-         isSameFile(named, open);
+  return fstat(file, &open) == 0 && stat(path.c_str(), &named) == 0 && isSameFile(named, open);
 }
 
 }  // namespace
@@ -338,23 +339,38 @@ FileLock FileLock::forUpdate(const fs::path& path) {
     Descriptor file = openRegular(target);
     if (!lockExclusively(file) && errno == EBADF) lockOpenForWriting(file, target);
     // While it waited, the one before may have put a new file in this place.
-    if (stillNames(target, file)) return {std::move(target), file.release()};
+    if (stillNames(target, file.get())) return {std::move(target), file.release()};
   }
 }
 
 FileLock::FileLock(fs::path path, int descriptor) noexcept
-    : path_(std::move(path)), descriptor_(descriptor) {}
+    : path_(std::move(path)), descriptor_(descriptor), stamp_(stampOf(descriptor)) {}
+
+FileLock::Stamp FileLock::stampOf(int descriptor) {
+  struct stat info {};
+  if (fstat(descriptor, &info) != 0) return {};
+  return {.modified = {.seconds = info.st_mtim.tv_sec,
+                       .nanoseconds = static_cast<int32_t>(info.st_mtim.tv_nsec)},
+          .size = info.st_size};
+}
+
+void FileLock::requireUnchanged() const {
+  if (!stillNames(path_, descriptor_) || stampOf(descriptor_) != stamp_) throw FileChanged(path_);
+}
 
 FileLock::~FileLock() {
   const Descriptor closed(descriptor_);
 }
 
 FileLock::FileLock(FileLock&& other) noexcept
-    : path_(std::move(other.path_)), descriptor_(std::exchange(other.descriptor_, -1)) {}
+    : path_(std::move(other.path_)),
+      descriptor_(std::exchange(other.descriptor_, -1)),
+      stamp_(other.stamp_) {}
 
 FileLock& FileLock::operator=(FileLock&& other) noexcept {
   std::swap(path_, other.path_);
   std::swap(descriptor_, other.descriptor_);
+  std::swap(stamp_, other.stamp_);
   return *this;
 }
 

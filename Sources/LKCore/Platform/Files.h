@@ -6,9 +6,11 @@
 // there as it was. One exception: when the disk reports an error only while the folder is flushed
 // (EIO), the change is in place, but may not outlive a power cut.
 //
-//     FileLock lock = FileLock::forUpdate(path);         // other writers of this file wait
-//     std::string bytes = readFile(lock.path());
-//     replaceFile(lock.path(), changed(bytes));          // old or new, never a mixture
+//     retriedWhenChanged([&] {
+//       const FileLock lock = FileLock::forUpdate(path);   // other writers of this file wait
+//       const std::string bytes = readFile(lock.path());
+//       replaceFile(lock, changed(bytes));                 // old or new, never a mixture
+//     });
 
 #include <cstdint>
 #include <filesystem>
@@ -35,6 +37,13 @@ class FileError : public Error {
  private:
   std::filesystem::path path_;
   int code_;
+};
+
+// Somebody who takes no lock, such as a sync program or an editor, changed, replaced or removed the
+// file while a change of it was under way (EBUSY).
+class FileChanged : public FileError {
+ public:
+  explicit FileChanged(std::filesystem::path path);
 };
 
 // The errno behind a FileError or a system_error; 0 for any other error.
@@ -152,12 +161,45 @@ class FileLock {
   // The locked file with symbolic links resolved.
   const std::filesystem::path& path() const noexcept { return path_; }
 
+  // Throws FileChanged unless the path still names the locked file, with the size and the date
+  // that it had when the lock was won.
+  void requireUnchanged() const;
+
  private:
+  struct Stamp {
+    Instant modified;
+    int64_t size = 0;
+
+    bool operator==(const Stamp&) const = default;
+  };
+
   FileLock(std::filesystem::path path, int descriptor) noexcept;
+  static Stamp stampOf(int descriptor);
 
   std::filesystem::path path_;
   int descriptor_ = -1;
+  Stamp stamp_;
 };
+
+// Replaces the locked file as `replaceFile` does, but leaves it to whoever changed it without a
+// lock since this one was won: throws FileChanged then. That is looked at when the new content is
+// on the disk, which can take long, so that only a change in the very moment of the naming is lost.
+void replaceFile(const FileLock& lock, std::string_view bytes);
+
+// Runs `change`, which takes the lock, reads and replaces; again, a few times, when it ends with
+// FileChanged, so that it is made to what somebody else has written.
+template <typename Change>
+auto retriedWhenChanged(const Change& change) {
+  constexpr int kRetries = 9;
+  for (int retry = 0; retry < kRetries; ++retry) {
+    try {
+      return change();
+    } catch (const FileChanged&) {
+      continue;
+    }
+  }
+  return change();
+}
 
 // --- Addresses -----------------------------------------------------------------------------------
 

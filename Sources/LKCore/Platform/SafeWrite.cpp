@@ -401,11 +401,19 @@ bool createLike(const Place& place, std::string_view bytes, const FileSystemAbil
 }
 
 bool moveAcross(const Place& source, const Place& target, const FileSystemAbilities& abilities) {
-  const std::string bytes = readFile(source.path);
   const std::optional<struct stat> info = source.info(source.name);
   if (!info) source.fail(ENOENT);
+  const std::string bytes = readFile(source.path);
   const Original original = readOriginal(source, *info);
   if (!createLike(target, bytes, abilities, original)) return false;
+  // What somebody wrote since it was read is not in the copy.
+  const std::optional<struct stat> now = source.info(source.name);
+  if (!now || !isSameFile(*now, *info) || now->st_size != info->st_size ||
+      now->st_mtim.tv_sec != info->st_mtim.tv_sec ||
+      now->st_mtim.tv_nsec != info->st_mtim.tv_nsec) {
+    unlinkat(target.folder.get(), target.name.c_str(), 0);
+    throw FileChanged(source.path);
+  }
   if (unlinkat(source.folder.get(), source.name.c_str(), 0) != 0) {
     const int code = errno;
     unlinkat(target.folder.get(), target.name.c_str(), 0);
@@ -415,9 +423,9 @@ bool moveAcross(const Place& source, const Place& target, const FileSystemAbilit
   return true;
 }
 
-}  // namespace
-
-void replaceFile(const fs::path& path, std::string_view bytes, FileSystemAbilities abilities) {
+// With a lock, only what it was taken on.
+void replace(const fs::path& path, std::string_view bytes, FileSystemAbilities abilities,
+             const FileLock* lock) {
   const Place place = openPlace(followLinks(path));
   const std::optional<Original> original = replaceable(place);
   for (;;) {
@@ -425,10 +433,17 @@ void replaceFile(const fs::path& path, std::string_view bytes, FileSystemAbiliti
     draft.write(bytes);
     if (original) draft.adopt(*original);
     draft.flush();
+    if (lock != nullptr) lock->requireUnchanged();
     if (draft.replace() == Draft::Outcome::done) break;
     abilities.anonymousFiles = false;
   }
   flushFolder(place.folder, place.path);
+}
+
+}  // namespace
+
+void replaceFile(const fs::path& path, std::string_view bytes, FileSystemAbilities abilities) {
+  replace(path, bytes, abilities, nullptr);
 }
 
 bool createFile(const fs::path& path, std::string_view bytes, FileSystemAbilities abilities,
@@ -473,6 +488,10 @@ bool moveFile(const fs::path& from, const fs::path& to, FileSystemAbilities abil
 
 void replaceFile(const fs::path& path, std::string_view bytes) {
   replaceFile(path, bytes, FileSystemAbilities{});
+}
+
+void replaceFile(const FileLock& lock, std::string_view bytes) {
+  replace(lock.path(), bytes, FileSystemAbilities{}, &lock);
 }
 
 bool createFile(const fs::path& path, std::string_view bytes, Durability durability) {

@@ -48,10 +48,12 @@ void changeSharedFile(const fs::path& path, const std::string& initial,
     createFolders(path.parent_path());
     if (createFile(path, made)) return;
   }
-  const FileLock lock = FileLock::forUpdate(path);
-  const std::string before = readFile(lock.path());
-  const std::string after = change(before);
-  if (after != before) replaceFile(lock.path(), after);
+  retriedWhenChanged([&] {
+    const FileLock lock = FileLock::forUpdate(path);
+    const std::string before = readFile(lock.path());
+    const std::string after = change(before);
+    if (after != before) replaceFile(lock, after);
+  });
 }
 
 fs::path keepDamagedFile(const fs::path& path, std::string_view bytes, Instant now) {

@@ -16,8 +16,8 @@
 
 namespace lk {
 
-// Gives the new bytes for the old ones. It may be called twice for one change, when another
-// process makes the file at the same moment.
+// Gives the new bytes for the old ones. It may be called again for one change, when another process
+// makes or changes the file at the same moment.
 using SharedFileChange = std::function<std::string(const std::string& before)>;
 
 // Changes the file's bytes; equal bytes are not written. A file that is not there counts as

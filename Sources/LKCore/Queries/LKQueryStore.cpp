@@ -175,11 +175,12 @@ void LKQueryStore::remove(const UUID& id) const {
   }
 }
 
-// The old folder stays while anything is left in it.
+// The old folder stays while anything is left in it. A link is none: what lies behind it is somebody
+// else's.
 void LKQueryStore::migrateFromViewsDirectory() const {
   const fs::path old = viewsFolder();
   std::error_code ignored;
-  if (!fs::is_directory(old, ignored)) return;
+  if (!fs::is_directory(fs::symlink_status(old, ignored))) return;
   try {
     createFolders(folder());
     for (const fs::path& file : queryFilesIn(old)) {

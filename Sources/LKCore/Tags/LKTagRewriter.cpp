@@ -145,7 +145,7 @@ bool changeFile(const fs::path& url, const Pattern& pattern, std::string_view re
     throw Error("The changed text is not UTF-8.");
   }
   const LKOwnFileWrites::Scope inFlight(url);
-  logged("write failed", url, [&] { LKFileWrite::atomically(*after, lock.path()); });
+  logged("write failed", url, [&] { LKFileWrite::atomically(*after, lock); });
   return true;
 }
 
@@ -154,7 +154,8 @@ bool changeFile(const fs::path& url, const Pattern& pattern, std::string_view re
 bool rewriteFile(const fs::path& url, const Pattern& pattern, std::string_view replacement,
                  const KeyTransform& rankKeyTransform) {
   try {
-    return changeFile(url, pattern, replacement, rankKeyTransform);
+    return retriedWhenChanged(
+        [&] { return changeFile(url, pattern, replacement, rankKeyTransform); });
   } catch (const Error&) {
     return false;
   }
@@ -184,7 +185,9 @@ std::vector<fs::path> renameInFiles(const std::map<fs::path, std::string>& files
   size_t done = 0;
   for (const auto& [url, text] : files) {
     try {
-      if (changeFile(url, *pattern, names.replacement, rankKeys)) changed.push_back(url);
+      const bool isChanged = retriedWhenChanged(
+          [&, &file = url] { return changeFile(file, *pattern, names.replacement, rankKeys); });
+      if (isChanged) changed.push_back(url);
     } catch (const Error& error) {
       fail(url, error);
     }

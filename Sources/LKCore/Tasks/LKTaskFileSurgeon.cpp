@@ -149,12 +149,14 @@ std::optional<EditedTaskFile> LKTaskFileSurgeon::editFile(const LKTaskReference&
     if (prepareForWrite && (!edited(*url, *url, task, edit) || !prepareForWrite(*url))) {
       return std::nullopt;
     }
-    const FileLock lock = FileLock::forUpdate(*url);
-    auto file = edited(lock.path(), *url, task, edit);
-    if (!file) return std::nullopt;
-    const LKOwnFileWrites::Scope inFlight(lock.path());
-    LKFileWrite::atomically(file->text, lock.path());
-    return file;
+    return retriedWhenChanged([&]() -> std::optional<EditedTaskFile> {
+      const FileLock lock = FileLock::forUpdate(*url);
+      auto file = edited(lock.path(), *url, task, edit);
+      if (!file) return std::nullopt;
+      const LKOwnFileWrites::Scope inFlight(lock.path());
+      LKFileWrite::atomically(file->text, lock);
+      return file;
+    });
   } catch (const std::exception& error) {
     log::warning(std::string("task edit failed: ") + error.what());
     return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <vector>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/Collections/CollectionRegistry.h"
@@ -57,8 +58,8 @@ fs::path existingFolder(const std::string& path) {
   throw CLIError::general("Path does not exist or is not a directory: " + path);
 }
 
-void refuseRegistered(const fs::path& folder) {
-  for (const LKCollectionRecord& record : LKCollectionStore::shared().collections()) {
+void refuseRegistered(const fs::path& folder, const std::vector<LKCollectionRecord>& records) {
+  for (const LKCollectionRecord& record : records) {
     if (resolved(record.path) != resolved(folder)) continue;
     throw CLIError::general("This folder is already registered as " + inQuotes(record.name) + ".");
   }
@@ -155,13 +156,14 @@ void CollectionAddCommand::declare(ArgumentList& arguments) {
 
 void CollectionAddCommand::run() {
   const fs::path folder = existingFolder(path);
-  refuseRegistered(folder);
+  refuseRegistered(folder, LKCollectionStore::shared().collections());
   if (!force) refuseUnfit(folder);
   LKCollectionRegistration registration;
   registration.name = name.value_or(folder.filename().string());
   registration.path = folder;
   registration.mode = mode ? namedMode(*mode) : modeWithoutName(folder);
   registration.userAcceptedRisk = force;
+  registration.check = [&](const auto& records) { refuseRegistered(folder, records); };
 
   LKCollectionStore& store = LKCollectionStore::shared();
   LKCollectionRecord record;

@@ -32,13 +32,24 @@ std::vector<fs::path> entriesOf(const fs::path& folder) {
   return entries;
 }
 
+// What lies behind a link is not the collection's to delete.
+void requireOwnFolder(const fs::path& trash) {
+  std::error_code ignored;
+  if (fs::is_symlink(trash, ignored)) {
+    throw CLIError::general(trash.string() +
+                            " is a symbolic link to another folder. Nothing was deleted.");
+  }
+}
+
 void emptyTrashOf(const fs::path& collection, const GlobalOptions& options) {
-  const std::vector<fs::path> entries = entriesOf(collection / ".trash");
+  const fs::path trash = collection / ".trash";
+  const std::vector<fs::path> entries = entriesOf(trash);
   if (entries.empty()) {
     printMessage(options, "Trash is already empty.");
     return;
   }
   requireWritable(collection);
+  requireOwnFolder(trash);
   size_t deleted = 0;
   std::string failures;
   for (const fs::path& entry : entries) {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "LKCore/Base/Text.h"
@@ -213,6 +214,33 @@ TEST(UpdateNote, LosesNoChangeOfConcurrentWriters) {
   }
   for (std::thread& writer : writers) writer.join();
   EXPECT_EQ(text::split(documentAt(file).body, '\n').size(), size_t{kWriters * kLines + 1});
+}
+
+// Puts the text in the file's place at the first call, as a sync program does, or removes the file.
+NoteChange disturbed(const fs::path& file, const std::optional<std::string>& theirs) {
+  NoteChange change;
+  change.bodyTransform = [file, theirs, isFirst = true](const std::string& body) mutable {
+    if (std::exchange(isFirst, false)) {
+      fs::remove(file);
+      if (theirs) writeWhole(file, *theirs);
+    }
+    return body + "mine\n";
+  };
+  return change;
+}
+
+TEST(UpdateNote, IsMadeToWhatSomebodyWithoutALockWroteMeanwhile) {
+  const test::TempFolder folder;
+  const fs::path file = makeNote(folder, "Plan", "old\n");
+  LKNoteFileService::updateNote(file, disturbed(file, readWhole(file) + "theirs\n"));
+  EXPECT_EQ(documentAt(file).body, "old\ntheirs\nmine\n");
+}
+
+TEST(UpdateNote, DoesNotBringBackANoteThatWasRemovedMeanwhile) {
+  const test::TempFolder folder;
+  const fs::path file = makeNote(folder, "Plan", "old\n");
+  EXPECT_THROW(LKNoteFileService::updateNote(file, disturbed(file, std::nullopt)), FileError);
+  EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
 TEST(SetFrontMatter, KeepsTheBodyAndTheTimeWhenAsked) {

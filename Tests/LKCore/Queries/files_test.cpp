@@ -160,5 +160,12 @@ TEST_F(QueryStore, BringsOverTheOldFolderWithoutLosingAFile) {
   EXPECT_EQ(test::readWhole(file(std::string(kID) + " 2.json")), fileText(R"("from": "views",)"));
 }
 
+TEST_F(QueryStore, TakesNothingFromBehindALink) {
+  write(home / "Project/package.json", "{}");
+  fs::create_directory_symlink("Project", home / ".views");
+  EXPECT_TRUE(names().empty());
+  EXPECT_TRUE(fs::exists(home / ".views/package.json"));
+}
+
 }  // namespace
 }  // namespace lk

@@ -136,6 +136,18 @@ TEST_F(Faults, ATrashThatMayNotBeReadIsNotCalledEmpty) {
   EXPECT_NE(unreadable.err.find(".trash: Permission denied"), std::string::npos) << unreadable.err;
 }
 
+TEST_F(Faults, ATrashThatIsALinkIsNotEmptied) {
+  const fs::path outside = sandbox.home() / "Thesis";
+  fs::create_directory(outside);
+  test::writeWhole(outside / "Chapter.txt", "words");
+  fs::create_directory_symlink(outside, notes() / ".trash");
+  const ProcessResult result = lk({"delete", "--empty-trash"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "Error: " + (notes() / ".trash").string() +
+                            " is a symbolic link to another folder. Nothing was deleted.\n");
+  EXPECT_EQ(readWhole(outside / "Chapter.txt"), "words");
+}
+
 TEST_F(Faults, AFullDiskLeavesTheNoteWholeAndNothingBesideIt) {
   // A disk of its own where this user may mount one, else the kernel's limit on a file's size.
   const bool mounted = mount("tmpfs", notes().c_str(), "tmpfs", 0, "size=256k") == 0;
