@@ -1,6 +1,5 @@
 #include "LKCore/Backlinks/LKTitleIndex.h"
 
-#include <algorithm>
 #include <unordered_set>
 #include <utility>
 

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/Bind/BookPasses.h"

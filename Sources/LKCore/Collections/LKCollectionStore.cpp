@@ -1,7 +1,6 @@
 #include "LKCore/Collections/LKCollectionStore.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <utility>
 

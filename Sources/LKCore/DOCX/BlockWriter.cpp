@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/DOCX/CodeRuns.h"

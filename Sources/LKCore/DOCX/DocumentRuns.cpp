@@ -1,7 +1,6 @@
 #include "LKCore/DOCX/DocumentRuns.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <vector>
 

@@ -39,7 +39,7 @@ void buildDOCX(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& spec
                const LKBindDiagrams& mermaidRenders, const std::filesystem::path& outputURL,
                const Warning& warning = {});
 
-// The document's bytes, for a caller that writes them elsewhere.
+// The document's bytes, for a caller that writes them elsewhere. Throws the same.
 std::string docx(const std::vector<LKBindNoteInput>& notes, const LKBindSpec& spec,
                  const LKBindSubject& subject, const std::filesystem::path& collectionRoot,
                  const LKBindDiagrams& mermaidRenders, const Warning& warning = {});

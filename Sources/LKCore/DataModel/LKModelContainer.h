@@ -36,8 +36,6 @@ class LKStoreFatalError : public LKStoreError {
 // One store file that was opened once.
 class LKStoreContainer {
  public:
-  static constexpr const char* configurationName = "Larkspire";
-
   explicit LKStoreContainer(std::filesystem::path path) : path_(std::move(path)) {}
 
   const std::filesystem::path& path() const noexcept { return path_; }

@@ -1,7 +1,6 @@
 #include "LKCore/DataModel/NoteRow.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "LKCore/Base/Log.h"
 #include "LKCore/Base/Words.h"

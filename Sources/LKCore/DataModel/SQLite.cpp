@@ -3,11 +3,11 @@
 #include <sqlite3.h>
 
 #include <string_view>
-#include <utility>
 #include <variant>
 
 #include "LKCore/Base/UUID.h"
 #include "LKCore/DataModel/LKContext.h"
+#include "LKCore/Platform/Files.h"
 
 namespace lk {
 
@@ -35,24 +35,6 @@ void foldedContainsFunction(sqlite3_context* context, int /*count*/, sqlite3_val
   } catch (const std::exception& error) {  // an exception may not pass through the C library
     sqlite3_result_error(context, error.what(), -1);
   }
-}
-
-// A URI's path: every byte that could mean something is encoded.
-std::string uriOf(const std::filesystem::path& path, const std::string& parameters) {
-  static constexpr std::string_view kPlain =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/-_.";
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  const std::filesystem::path whole = std::filesystem::absolute(path);
-  std::string uri = "file:";
-  for (const char c : whole.native()) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (kPlain.find(c) != std::string_view::npos) {
-      uri.push_back(c);
-    } else {
-      uri.append({'%', kDigits[byte >> 4U], kDigits[byte & 0x0FU]});
-    }
-  }
-  return uri + "?" + parameters;
 }
 
 }  // namespace
@@ -117,7 +99,8 @@ Connection::Connection(const std::filesystem::path& path, const Options& options
   const int access =
       options.isReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   sqlite3* handle = nullptr;
-  const int code = sqlite3_open_v2(uriOf(path, options.uriParameters).c_str(), &handle,
+  const std::string uri = fileURL(path) + "?" + options.uriParameters;
+  const int code = sqlite3_open_v2(uri.c_str(), &handle,
                                    access | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
   handle_.reset(handle);
   if (code != SQLITE_OK) fail();

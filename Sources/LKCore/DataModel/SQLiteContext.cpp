@@ -1,7 +1,6 @@
 #include "LKCore/DataModel/SQLiteContext.h"
 
 #include <algorithm>
-#include <array>
 #include <unordered_set>
 #include <utility>
 #include <vector>

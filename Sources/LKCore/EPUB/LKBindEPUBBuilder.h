@@ -34,14 +34,14 @@ class LKBindEPUBError : public Error {
 namespace LKBindEPUBBuilder {
 
 // Writes the file whole or not at all; the same inputs give the same bytes, in any time zone. Throws
-// LKBindEPUBError, FileError, ModuleError. A picture that cannot be read is left out without a
-// failure. `coverSource` names the picture of the cover as a note would ("attachments/cover.jpg");
-// empty: none.
+// LKBindEPUBError, ModuleError. A picture that cannot be read is left out without a failure.
+// `coverSource` names the picture of the cover as a note would ("attachments/cover.jpg"); empty:
+// none.
 void buildEPUB(std::string_view html, const LKBindSpec& spec, const LKBindSubject& subject,
                const std::filesystem::path& collectionRoot, std::string_view coverSource,
                const std::filesystem::path& outputURL);
 
-// The archive's bytes, for a caller that writes them elsewhere.
+// The archive's bytes, for a caller that writes them elsewhere. Throws the same.
 std::string epub(std::string_view html, const LKBindSpec& spec, const LKBindSubject& subject,
                  const std::filesystem::path& collectionRoot, std::string_view coverSource);
 

@@ -2,13 +2,12 @@
 
 // Finds and opens the files of the parts. The other headers of this folder are its only users.
 //
-//     const auto archive = openedPart(kArchivePart).function<decltype(larkspireArchive)>(
-//         "larkspireArchive");
+//     static const OpenPart part(kArchivePart, partsFolder());
+//     static const auto make = part.function<decltype(larkspireArchive)>("larkspireArchive");
 
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "LKCore/Modules/Module.h"
 #include "LKCore/Modules/ModuleInterface.h"
@@ -48,10 +47,11 @@ class OpenPart {
   void* handle_ = nullptr;
 };
 
-// "../lib/larkspire" as seen from the running program, in an installation as in a build.
+// "../lib/larkspire" as seen from the running program, in an installation as in a build. Throws
+// ModuleError when /proc does not tell where that is.
 std::filesystem::path partsFolder();
 
-// Sinks that fill a text or a list. Out of memory ends the work of the part.
+// A sink that adds to the text. Out of memory ends the work of the part.
 PartSink partSink(std::string& text);
 
 // Runs a function for a sink, where nothing may be thrown: whether it came through.

@@ -1,7 +1,6 @@
 #include "LKCore/NoteFiles/LKNoteWriteReport.h"
 
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "LKCore/Base/Error.h"

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <optional>
 
 #include "LKCore/Base/Base64.h"
 #include "LKCore/PDF/BrowserPage.h"

@@ -20,7 +20,7 @@ class BrowserPage {
  public:
   using Deadline = BrowserConnection::Deadline;
 
-  // Throws what BrowserConnection does.
+  // Starts the browser. Throws what BrowserConnection does, and so do `load` and `call`.
   BrowserPage(const std::filesystem::path& program, Deadline deadline);
   BrowserPage(const BrowserPage&) = delete;
   BrowserPage& operator=(const BrowserPage&) = delete;

@@ -1,7 +1,6 @@
 #include "LKCore/PDF/LKBindPDFOutline.h"
 
 #include <algorithm>
-#include <map>
 #include <utility>
 
 #include "LKCore/Base/Text.h"

@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <string>
 
-#include "LKCore/Base/Text.h"
 #include "LKCore/Pictures/PictureBytes.h"
 
 namespace lk {
@@ -278,25 +276,6 @@ std::string_view mediaType(PictureFormat format) {
 
 std::string_view extensionOf(PictureFormat format) {
   return pictureKind(format).extension;
-}
-
-std::optional<PictureFormat> pictureFormatOfExtension(std::string_view extension) {
-  const std::string lower = text::lowercased(extension);
-  if (lower == "jpeg") return PictureFormat::jpeg;
-  if (lower == "tif") return PictureFormat::tiff;
-  for (const PictureKind& kind : kPictureKinds) {
-    if (kind.extension.substr(1) == lower) return kind.format;
-  }
-  return std::nullopt;
-}
-
-std::optional<PictureFormat> pictureFormatOfMediaType(std::string_view type) {
-  const std::string lower = text::lowercased(text::trimmed(type));
-  if (lower == "image/jpg") return PictureFormat::jpeg;
-  for (const PictureKind& kind : kPictureKinds) {
-    if (kind.mediaType == lower) return kind.format;
-  }
-  return std::nullopt;
 }
 
 }  // namespace lk

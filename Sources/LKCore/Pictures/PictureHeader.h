@@ -25,10 +25,8 @@ struct PictureHeader {
 // Nothing for bytes that are no picture of these formats or name no size. For any bytes; linear.
 std::optional<PictureHeader> pictureHeader(std::string_view bytes);
 
-// "image/png" and ".png"; the reverse takes "jpg" and "tif" too, in any case, without the dot.
+// "image/png" and ".png".
 std::string_view mediaType(PictureFormat format);
 std::string_view extensionOf(PictureFormat format);
-std::optional<PictureFormat> pictureFormatOfExtension(std::string_view extension);
-std::optional<PictureFormat> pictureFormatOfMediaType(std::string_view type);
 
 }  // namespace lk

@@ -11,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <thread>
-#include <utility>
 
 #include "LKCore/Platform/Descriptor.h"
 #include "LKCore/Platform/Files.h"

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <optional>
-#include <utility>
 
 #include "LKCore/Base/Log.h"
 #include "LKCore/Base/Text.h"

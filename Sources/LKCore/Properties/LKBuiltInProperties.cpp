@@ -1,7 +1,5 @@
 #include "LKCore/Properties/LKBuiltInProperties.h"
 
-#include <string>
-
 #include "LKCore/Properties/LKNoteRole.h"
 
 namespace lk::LKBuiltInProperties {

@@ -1,14 +1,11 @@
 #include "LKCore/Tags/LKTagNameRules.h"
 
 #include "LKCore/Base/Text.h"
+#include "LKCore/LexParse/CharacterSets.h"
 
 namespace lk::LKTagNameRules {
 
 namespace {
-
-bool isTagCharacter(char32_t scalar) {
-  return text::isLetter(scalar) || text::isDecimalDigit(scalar) || scalar == '-' || scalar == '/';
-}
 
 template <typename Test>
 bool anyScalar(std::string_view name, Test test) {
@@ -29,7 +26,7 @@ std::optional<std::string> problem(std::string_view name) {
   }
   if (!text::isLetter(text::decode(name, 0).scalar)) return "A tag must start with a letter.";
   if (anyScalar(name, text::isWhitespaceOrNewline)) return "Tags can’t contain spaces.";
-  if (anyScalar(name, [](char32_t scalar) { return !isTagCharacter(scalar); })) {
+  if (anyScalar(name, [](char32_t scalar) { return !lexing::isTagCharacter(scalar); })) {
     return "Tags can only contain letters, numbers, hyphens and slashes.";
   }
   return std::nullopt;

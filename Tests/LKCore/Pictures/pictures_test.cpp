@@ -44,7 +44,7 @@ TEST(PictureHeaders, TellSizeDensityAndOrientation) {
     EXPECT_EQ(header->orientation, row.orientation) << row.name;
     EXPECT_NEAR(header->widthIn, row.widthIn, 0.001) << row.name;
     EXPECT_NEAR(header->heightIn, row.heightIn, 0.001) << row.name;
-    EXPECT_EQ(pictureFormatOfExtension(extensionOf(row.format).substr(1)), row.format);
+    EXPECT_TRUE(row.name.ends_with(extensionOf(row.format))) << row.name;
     EXPECT_FALSE(pictureHeader(std::string_view(bytes).substr(0, 8))) << row.name;
   }
 }
