@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <stdexcept>
 
 #include "LKCore/PDF/BrowserConnection.h"
@@ -25,19 +24,6 @@ std::string processFile(const fs::path& file) {
 }
 
 }  // namespace
-
-ChangedVariable::ChangedVariable(const char* name, const std::string& value) : name_(name) {
-  if (const char* before = std::getenv(name)) before_ = before;
-  setenv(name, value.c_str(), 1);
-}
-
-ChangedVariable::~ChangedVariable() {
-  if (before_) {
-    setenv(name_, before_->c_str(), 1);
-  } else {
-    unsetenv(name_);
-  }
-}
 
 BrowserTraces::BrowserTraces() : scratch_("TMPDIR", folder_.path().string()) {}
 

@@ -1,26 +1,13 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
+#include "Support/ChangedVariable.h"
 #include "Support/TempFolder.h"
 
 namespace lk::test {
-
-// A variable of the environment that is back at the end.
-class ChangedVariable {
- public:
-  ChangedVariable(const char* name, const std::string& value);
-  ~ChangedVariable();
-  ChangedVariable(const ChangedVariable&) = delete;
-  ChangedVariable& operator=(const ChangedVariable&) = delete;
-
- private:
-  const char* name_;
-  std::optional<std::string> before_;
-};
 
 // A scratch folder for the browsers of one test, and what they leave.
 class BrowserTraces {

@@ -43,6 +43,9 @@ class Sandbox {
   // The built tool.
   ProcessResult lk(const std::vector<std::string>& arguments,
                    const ProcessOptions& options = {}) const;
+  // The built tool as a user without rights, whom the modes of files hinder; as the same user, if
+  // that is not root.
+  ProcessResult lkAsOrdinaryUser(std::vector<std::string> arguments) const;
 
  private:
   TempFolder folder_;

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 
+#include "Support/ChangedVariable.h"
 #include "Support/TempFolder.h"
 
 namespace lk {
@@ -108,17 +108,16 @@ class FolderPlace : public testing::TestWithParam<PlaceCase> {};
 
 TEST_P(FolderPlace, IsJudged) {
   const TempFolder home;
-  const char* before = getenv("HOME");
-  const std::string saved = before == nullptr ? "" : before;
-  ASSERT_EQ(setenv("HOME", home.path().c_str(), 1), 0);
   fs::create_directories(home / "Documents/Notes");
   fs::create_directory_symlink("/tmp", home / "link-to-tmp");
   fs::create_directory_symlink(home.path(), home / "link-home");
 
   std::string path = GetParam().path;
   if (path.starts_with('~')) path.replace(0, 1, home.path().string());
-  const auto rejection = validateFolder(path);
-  setenv("HOME", saved.c_str(), 1);
+  const auto rejection = [&] {
+    const test::ChangedVariable variable("HOME", home.path().string());
+    return validateFolder(path);
+  }();
 
   using P = PlaceCase;
   const auto verdict = GetParam().verdict;

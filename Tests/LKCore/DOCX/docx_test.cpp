@@ -15,6 +15,7 @@
 #include "LKCore/DOCX/CodeRuns.h"
 #include "LKCore/DOCX/DocumentRuns.h"
 #include "LKCore/DOCX/LKBindDOCXBuilder.h"
+#include "Support/ChangedVariable.h"
 #include "Support/Growth.h"
 #include "Support/Process.h"
 #include "Support/TempFolder.h"
@@ -317,13 +318,8 @@ TEST_F(DOCXFile, EmbedsEachPictureOnceAndNothingFromOutside) {
 TEST_F(DOCXFile, IsTheSameInEveryTimeZone) {
   build();
   const std::string bytes = test::readWhole(file());
-  const char* const zone = std::getenv("TZ");
-  const std::string before = zone != nullptr ? zone : "";
-  setenv("TZ", "Asia/Tokyo", 1);
-  tzset();
+  const test::ChangedVariable zone("TZ", "Asia/Tokyo");
   build();
-  setenv("TZ", before.c_str(), 1);
-  tzset();
   EXPECT_EQ(test::readWhole(file()), bytes);
 }
 

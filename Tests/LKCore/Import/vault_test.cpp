@@ -19,6 +19,7 @@
 #include "LKCore/Import/LKObsidianImporter.h"
 #include "LKCore/NoteFiles/LKFileFrontMatter.h"
 #include "LKCore/NoteFiles/LKNoteEdit.h"
+#include "Support/Corpus.h"
 #include "Support/Growth.h"
 #include "Support/TempFolder.h"
 
@@ -315,10 +316,9 @@ bool hasLinesInOrder(const std::string& text, const std::vector<std::string>& li
 }
 
 TEST_F(Vault, OfTheCorpusKeepsItsWordsAndLosesNoNote) {
-  const char* const corpus = std::getenv("LARKSPIRE_CORPUS");
-  if (corpus == nullptr) return;
+  if (test::corpus().empty()) GTEST_SKIP() << test::kNoCorpus;
   size_t languages = 0;
-  for (const auto& language : fs::directory_iterator(corpus)) {
+  for (const auto& language : fs::directory_iterator(test::corpus())) {
     if (!language.is_directory()) continue;
     ++languages;
     const fs::path copy = folder / language.path().filename().string();

@@ -2,39 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
-
 #include "LKCore/Modules/OpenPart.h"
 #include "LKCore/Modules/Zip.h"
+#include "Support/ChangedVariable.h"
 #include "Support/TempFolder.h"
 
 namespace lk {
 namespace {
-
-class TimeZone {
- public:
-  explicit TimeZone(const char* name) {
-    const char* const old = std::getenv("TZ");
-    if (old != nullptr) old_ = old;
-    set(name);
-  }
-  ~TimeZone() { set(old_.empty() ? nullptr : old_.c_str()); }
-  TimeZone(const TimeZone&) = delete;
-  TimeZone& operator=(const TimeZone&) = delete;
-
- private:
-  static void set(const char* name) {
-    if (name == nullptr) {
-      unsetenv("TZ");
-    } else {
-      setenv("TZ", name, 1);
-    }
-    tzset();
-  }
-
-  std::string old_;
-};
 
 const std::vector<ZipEntry> kBookEntries = {{"mimetype", "application/epub+zip", true},
                                             {"OPS/z.xhtml", std::string(5000, 'x')},
@@ -56,7 +30,7 @@ TEST(ZipArchive, DependsOnItsEntriesAndTheTimeAlone) {
     const Instant time = *parseISO8601(row.time);
     std::string first;
     for (const char* const name : {"UTC", "America/New_York", "Asia/Kathmandu"}) {
-      const TimeZone zone(name);
+      const test::ChangedVariable zone("TZ", name);
       const std::string archive = zipArchive(kBookEntries, time);
       EXPECT_EQ(archive.substr(10, 4), row.stamp) << row.name << " in " << name;
       if (first.empty()) first = archive;

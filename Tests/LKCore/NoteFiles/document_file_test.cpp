@@ -6,12 +6,12 @@
 #include <asio/co_spawn.hpp>
 #include <asio/io_context.hpp>
 #include <asio/use_future.hpp>
-#include <cstdlib>
 #include <functional>
 
 #include "LKCore/Base/Text.h"
 #include "LKCore/NoteFiles/LKFileDates.h"
 #include "LKCore/NoteFiles/LKSyncError.h"
+#include "Support/Corpus.h"
 #include "Support/TempFolder.h"
 
 namespace lk {
@@ -124,8 +124,7 @@ TEST(DocumentFile, IsReadAndWrittenWhileTheCallersThreadGoesOn) {
 }
 
 TEST(DocumentFile, KeepsTheWordsOfEveryNoteOfARealCollection) {
-  const char* corpus = std::getenv("LARKSPIRE_CORPUS");
-  if (corpus == nullptr) return;  // there is none to read
+  if (test::corpus().empty()) GTEST_SKIP() << test::kNoCorpus;
   const TempFolder folder;
   const auto words = [](std::string_view text) {
     std::string result;
@@ -134,15 +133,12 @@ TEST(DocumentFile, KeepsTheWordsOfEveryNoteOfARealCollection) {
     }
     return std::string(text::trimmed(result));
   };
-  for (const auto& file : fs::recursive_directory_iterator(corpus)) {
-    if (!file.is_regular_file() || file.path().extension() != ".md") continue;
-    const std::string text = readWhole(file.path());
-    if (!text::isValidUTF8(text)) continue;
+  test::forEachNote([&](const fs::path& file, const std::string& text) {
     newNote(text).write(folder / "Plan.md");
     const LKDocumentFile read = LKDocumentFile::parse(folder / "Plan.md");
-    EXPECT_EQ(words(read.text), words(text)) << file.path();
+    EXPECT_EQ(words(read.text), words(text)) << file;
     fs::remove(folder / "Plan.md");
-  }
+  });
 }
 
 }  // namespace

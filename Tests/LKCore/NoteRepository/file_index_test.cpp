@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -18,6 +17,7 @@
 #include "LKCore/Platform/Files.h"
 #include "LKCore/Tags/LKTagIconStore.h"
 #include "Support/Child.h"
+#include "Support/Corpus.h"
 #include "Support/SlowReading.h"
 #include "Support/TempFolder.h"
 #include "Tools/GeneratedNotes.h"
@@ -276,8 +276,8 @@ TEST(GeneratedNotes, AreTheSameForTheSameSeed) {
 // --- Real notes ----------------------------------------------------------------------------------
 
 TEST(FileIndex, AgreesWithASlowCountOfTheCorpus) {
-  const char* const folder = std::getenv("LARKSPIRE_CORPUS");
-  if (folder == nullptr) return;                  // there is none to read
+  if (test::corpus().empty()) GTEST_SKIP() << test::kNoCorpus;
+  const fs::path folder = test::corpus();
   std::map<std::string, test::SlowReading> slow;  // by path
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     const std::string path = entry.path().lexically_relative(folder).string();

@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
-
 #include "LKCore/Base/Text.h"
 #include "LKCore/ParagraphModel/LKTaskDetail.h"
 #include "LKCore/ParagraphModel/MakeParagraphs.h"
 #include "LKCore/ParagraphModel/OutlineRecords.h"
+#include "Support/ChangedVariable.h"
 
 namespace lk {
 namespace {
@@ -46,10 +44,7 @@ struct MarkingRow {
 };
 
 TEST(TaskDetail, ReadsTheOlderDoneMarking) {
-  const char* old = std::getenv("TZ");
-  const std::string before = old == nullptr ? "" : old;
-  setenv("TZ", "EST5", 1);
-  tzset();
+  const test::ChangedVariable zone("TZ", "EST5");
   const MarkingRow rows[] = {
       {"Call @done(Mar 5, 2024)", "2024-03-05T05:00:00Z"},
       {"Call\t@done(dec 31 1999) more", "1999-12-31T05:00:00Z"},
@@ -68,8 +63,6 @@ TEST(TaskDetail, ReadsTheOlderDoneMarking) {
         << row.text;
     EXPECT_EQ(detail.text, row.text);
   }
-  old == nullptr ? unsetenv("TZ") : setenv("TZ", before.c_str(), 1);
-  tzset();
 }
 
 TEST(TaskDetail, IsWrittenAndReadAsJSON) {

@@ -10,34 +10,20 @@
 #include "LKCore/Platform/LaunchingApplication.h"
 #include "LKCore/Platform/Opener.h"
 #include "LKCore/Platform/UserDefaults.h"
+#include "Support/ChangedVariable.h"
 #include "Support/TempFolder.h"
 
 namespace lk {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ChangedVariable;
 using test::TempFolder;
 using test::writeWhole;
 
-// An environment variable for the length of a test.
-class Variable {
- public:
-  Variable(const char* name, const std::string& value)
-      : name_(name), old_(std::getenv(name) != nullptr ? std::getenv(name) : "") {
-    setenv(name, value.c_str(), 1);
-  }
-  ~Variable() { old_.empty() ? unsetenv(name_) : setenv(name_, old_.c_str(), 1); }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-
- private:
-  const char* name_;
-  std::string old_;
-};
-
 TEST(UserDefaults, ReadsWhatIsThereAndOfTheRightType) {
   const TempFolder folder;
-  const Variable configuration("XDG_CONFIG_HOME", folder.path().string());
+  const ChangedVariable configuration("XDG_CONFIG_HOME", folder.path().string());
   EXPECT_EQ(userDefaults::integer("seed"), std::nullopt);
   fs::create_directory(folder / "Larkspire");
   const fs::path file = folder / "Larkspire/defaults.json";
@@ -68,7 +54,7 @@ std::string openingFailure() {
 
 TEST(Opener, HandsOverTheLinkAsOneArgument) {
   const TempFolder folder;
-  const Variable path("PATH", folder.path().string());
+  const ChangedVariable path("PATH", folder.path().string());
   EXPECT_NE(openingFailure().find("Install the package xdg-utils"), std::string::npos);
   const fs::path program = folder / "xdg-open";
   writeWhole(program, "#!/bin/sh\nprintf '%s|' \"$#\" \"$@\" > \"$0.log\"\necho noise\n");

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -113,25 +112,21 @@ TEST_F(Importing, AFolderThatMayNotBeReadIsPassedOver) {
   write("Closed/Deep.md", "deep");
   fs::permissions(source() / "Closed", fs::perms::none);
   fs::permissions(notes(), fs::perms::all);
-  for (fs::path path = sandbox.home(); path != path.root_path(); path = path.parent_path()) {
+  for (fs::path path = sandbox.home(); path != sandbox.home().parent_path();
+       path = path.parent_path()) {
     if (fs::status(path).permissions() == fs::perms::owner_all) {
       fs::permissions(path, fs::perms{0755});
     }
   }
   std::vector<std::string> arguments = {"import", "Old", "--recursive", "--collection",
                                         notes().string()};
-  const bool isRoot = geteuid() == 0;  // who may read everything
-  if (isRoot) {
-    arguments.insert(arguments.begin(),
-                     {"--reuid=65534", "--regid=65534", "--clear-groups", LK_TOOL_PATH});
-  }
-  const ProcessResult result = isRoot ? sandbox.run("setpriv", arguments) : sandbox.lk(arguments);
+  const ProcessResult result = sandbox.lkAsOrdinaryUser(arguments);
   EXPECT_EQ(result.out, "Imported 1 note.\n");
   EXPECT_EQ(result.err, "skip (unreadable): Closed\n");
   fs::remove(source() / "Plan.md");
   fs::create_directory(source() / ".obsidian");
   std::ranges::replace(arguments, std::string("--recursive"), std::string("--vault"));
-  const ProcessResult vault = isRoot ? sandbox.run("setpriv", arguments) : sandbox.lk(arguments);
+  const ProcessResult vault = sandbox.lkAsOrdinaryUser(arguments);
   EXPECT_EQ(vault.err, "Closed: Could not read file\nError: No .md or .txt files found in Old\n");
 }
 

@@ -37,14 +37,11 @@ class Faults : public testing::Test {
   // The tool as a user without rights, which root is not.
   ProcessResult lkAsNobody(std::vector<std::string> arguments) const {
     arguments.insert(arguments.end(), {"--collection", notes().string()});
-    if (geteuid() != 0) return sandbox.lk(arguments);
-    arguments.insert(arguments.begin(),
-                     {"--reuid=65534", "--regid=65534", "--clear-groups", LK_TOOL_PATH});
-    return sandbox.run("setpriv", arguments);
+    return sandbox.lkAsOrdinaryUser(arguments);
   }
 
   void allowEveryone() const {
-    for (fs::path path = notes(); path != path.root_path(); path = path.parent_path()) {
+    for (fs::path path = notes(); path != sandbox.home().parent_path(); path = path.parent_path()) {
       if (fs::status(path).permissions() == fs::perms::owner_all) {
         fs::permissions(path, fs::perms{0755});
       }

@@ -1,12 +1,11 @@
 // Real Markdown: what the commands say of every note of LARKSPIRE_CORPUS, against a slow count.
-// Passes at once when the variable is not set.
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "LKCore/NoteFiles/LKIndentation.h"
 #include "LKCore/Tags/LKTagExtractor.h"
 #include "ReadingFixture.h"
+#include "Support/Corpus.h"
 
 namespace lk {
 namespace {
@@ -16,9 +15,8 @@ namespace fs = std::filesystem;
 class Corpus : public test::Reading {
  protected:
   Corpus() {
-    const char* folder = std::getenv("LARKSPIRE_CORPUS");
-    if (folder == nullptr) return;
-    fs::copy(folder, notes(), fs::copy_options::recursive);
+    if (test::corpus().empty()) return;
+    fs::copy(test::corpus(), notes(), fs::copy_options::recursive);
     for (const auto& entry : fs::recursive_directory_iterator(notes())) {
       if (!entry.is_regular_file() || entry.path().extension() != ".md") continue;
       const std::string inside = entry.path().lexically_relative(notes()).string();
@@ -57,7 +55,7 @@ class Corpus : public test::Reading {
 };
 
 TEST_F(Corpus, IsListedWhole) {
-  if (files.empty()) return;  // without LARKSPIRE_CORPUS
+  if (test::corpus().empty()) GTEST_SKIP() << test::kNoCorpus;
   std::vector<std::string> expected;
   for (const fs::path& each : files) expected.push_back(each.stem());
   std::vector<std::string> listed = titles("list");
@@ -67,7 +65,7 @@ TEST_F(Corpus, IsListedWhole) {
 }
 
 TEST_F(Corpus, IsSearchedLineByLine) {
-  if (files.empty()) return;  // without LARKSPIRE_CORPUS
+  if (test::corpus().empty()) GTEST_SKIP() << test::kNoCorpus;
   for (const std::string word : {"note", "plugin", "e", "qzqzq"}) {
     std::map<std::string, std::vector<int>> expected;
     for (const fs::path& each : files) {
@@ -87,7 +85,7 @@ TEST_F(Corpus, IsSearchedLineByLine) {
 }
 
 TEST_F(Corpus, HasTheTagsOfItsFiles) {
-  if (files.empty()) return;  // without LARKSPIRE_CORPUS
+  if (test::corpus().empty()) GTEST_SKIP() << test::kNoCorpus;
   std::map<std::string, int> expected;
   for (const fs::path& each : files) {
     for (const std::string& tag :

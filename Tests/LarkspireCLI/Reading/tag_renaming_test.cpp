@@ -122,7 +122,7 @@ TEST_F(TagRenaming, TellsOfFilesThatAreNoNotes) {
 }
 
 TEST_F(TagRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
-  for (fs::path path = notes(); path != path.root_path(); path = path.parent_path()) {
+  for (fs::path path = notes(); path != sandbox.home().parent_path(); path = path.parent_path()) {
     if (fs::status(path).permissions() == fs::perms::owner_all) {
       fs::permissions(path, fs::perms{0755});
     }
@@ -132,14 +132,13 @@ TEST_F(TagRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
   for (const char* name : {"A", "Deep/B", ".daily/20260310"})
     fs::permissions(file(name), fs::perms{0666});
   fs::permissions(notes() / "Deep", fs::perms{0555});
-  const auto asNobody = [&](const std::string& more) {
-    const std::string line =
-        "tags rename work office --collection '" + notes().string() + "' " + more;
-    const std::string user =
-        geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
-    return sandbox.run("/bin/sh", {"-c", user + "'" + LK_TOOL_PATH + "' " + line});
+  const auto asNobody = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> words = {"tags",   "rename",       "work",
+                                      "office", "--collection", notes().string()};
+    words.insert(words.end(), more.begin(), more.end());
+    return sandbox.lkAsOrdinaryUser(words);
   };
-  const ProcessResult first = asNobody("");
+  const ProcessResult first = asNobody({});
   EXPECT_EQ(first.status, 4);
   EXPECT_EQ(first.out, "Renamed #work → #office in 2 notes.\n");
   EXPECT_TRUE(first.err.starts_with("Error: File write failed — 1 note keeps #work:\n  " +
@@ -150,8 +149,8 @@ TEST_F(TagRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
       << first.err;
   EXPECT_EQ(bodyOf(readWhole(file("Deep/B"))), "#workshop #home #work/site");
   fs::permissions(notes() / "Deep", fs::perms{0777});
-  EXPECT_EQ(asNobody("").status, 1);
-  EXPECT_EQ(asNobody("--merge").out, "Merged #work → #office in 1 note.\n");
+  EXPECT_EQ(asNobody({}).status, 1);
+  EXPECT_EQ(asNobody({"--merge"}).out, "Merged #work → #office in 1 note.\n");
   EXPECT_EQ(bodyOf(readWhole(file("Deep/B"))), "#workshop #home #office/site");
 }
 

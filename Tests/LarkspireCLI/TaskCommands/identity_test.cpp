@@ -190,7 +190,7 @@ TEST_F(ProjectRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
   note("A", "#projects/acme\n- [ ] a project:acme");
   note("Deep/B", "- [ ] b project:acme");
   test::writeWhole(file("Plain"), "- [ ] c project:acme");
-  for (fs::path path = notes(); path != path.root_path(); path = path.parent_path()) {
+  for (fs::path path = notes(); path != sandbox.home().parent_path(); path = path.parent_path()) {
     if (fs::status(path).permissions() == fs::perms::owner_all) {
       fs::permissions(path, fs::perms{0755});
     }
@@ -199,13 +199,8 @@ TEST_F(ProjectRenaming, TellsWhichFilesFailedAndFinishesTheRestLater) {
     fs::permissions(notes() / name, fs::perms{0777});
   fs::permissions(notes() / "Deep", fs::perms{0555});
   const auto asNobody = [&] {
-    const std::string line = std::string("'") + LK_TOOL_PATH +
-                             "' projects rename acme nimbus --collection '" + notes().string() +
-                             "'";
-    return sandbox.run("/bin/sh", {"-c", geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 "
-                                                          "--clear-groups " +
-                                                              line
-                                                        : line});
+    return sandbox.lkAsOrdinaryUser(
+        {"projects", "rename", "acme", "nimbus", "--collection", notes().string()});
   };
   const test::ProcessResult first = asNobody();
   EXPECT_EQ(first.status, 4);
