@@ -121,10 +121,10 @@ ProcessResult Sandbox::lkAsOrdinaryUser(std::vector<std::string> arguments) cons
   if (geteuid() != 0) return lk(arguments);
   // The tool itself may lie where that user cannot look, such as below /root.
   const fs::path tool = home() / ".lk";
-  std::error_code failure;
-  fs::create_hard_link(LK_TOOL_PATH, tool, failure);
-  if (failure) {
-    fs::copy_file(LK_TOOL_PATH, tool, fs::copy_options::skip_existing);
+  if (!fs::exists(tool)) {
+    std::error_code failure;
+    fs::create_hard_link(LK_TOOL_PATH, tool, failure);
+    if (failure) fs::copy_file(LK_TOOL_PATH, tool);
   }
   arguments.insert(arguments.begin(),
                    {"--reuid=65534", "--regid=65534", "--clear-groups", tool.string()});
