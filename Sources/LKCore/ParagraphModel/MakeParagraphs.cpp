@@ -24,6 +24,15 @@ size_t paragraphEnd(std::string_view text, size_t start) {
   return at + lexing::terminatorLength(text, at);
 }
 
+template <typename Visit>
+void forEachLine(std::string_view text, const Visit& visit) {
+  for (size_t start = 0; start < text.size();) {
+    const TextRange line{start, paragraphEnd(text, start)};
+    visit(line);
+    start = line.end;
+  }
+}
+
 // The kind of paragraph that a token makes of its line; nothing when it makes none.
 std::optional<ParagraphKind> paragraphKind(PTokenKind token, LineReading reading) {
   switch (token) {
@@ -69,9 +78,7 @@ std::optional<ParagraphKind> paragraphKind(PTokenKind token, LineReading reading
 
 std::vector<TextRange> paragraphLines(std::string_view text) {
   std::vector<TextRange> lines;
-  for (size_t start = 0; start < text.size(); start = lines.back().end) {
-    lines.push_back({start, paragraphEnd(text, start)});
-  }
+  forEachLine(text, [&](const TextRange& line) { lines.push_back(line); });
   return lines;
 }
 
@@ -95,19 +102,21 @@ void classify(Paragraph& paragraph, std::string_view line, LineReading reading) 
 std::vector<Paragraph> makeParagraphs(std::string_view text,
                                       const LKEditorCapabilities& capabilities) {
   const UTF16Text storage(text);
-  const std::vector<TextRange> lines = paragraphLines(text);
+  // Counted first: a million empty lines are a quarter of a gigabyte that no list should copy.
+  size_t count = 0;
+  forEachLine(text, [&](const TextRange&) { ++count; });
   UUIDBatch ids;
   std::vector<Paragraph> paragraphs;
-  paragraphs.reserve(lines.size());
+  paragraphs.reserve(count);
   size_t location = 0;
-  for (const TextRange& line : lines) {
+  forEachLine(text, [&](const TextRange& line) {
     Paragraph& paragraph = paragraphs.emplace_back(ids.next(), location);
     const size_t end = storage.utf16Offset(line.end);
     paragraph.range.length = end - location;
     paragraph.text = std::string(line.of(text));
     classify(paragraph, paragraph.line(), LineReading::wholeText);
     location = end;
-  }
+  });
   pairCodeBlockFences(paragraphs);
   groupAllTableRows(paragraphs, capabilities);
   pairCommentBlocks(paragraphs);
